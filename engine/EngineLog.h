@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdarg>
+#include <string>
+
+namespace velmora {
+
+/// Takes one line of the media libraries' log, on whichever thread it was written.
+using LogSink = void (*)(void* object, int level, const char* format, va_list arguments);
+
+/// Routes the log of the engine and of the media libraries to `sink` (null: the libraries' own way
+/// of writing to standard error). May be called at any time from any thread.
+void setLogSink(LogSink sink);
+
+/// Writes "PATH: OPERATION: the library's text for CODE" as an error.
+void logFailure(const std::string& path, const char* operation, int code);
+
+/// While one lives, lines written by this thread that the engine provokes on purpose are dropped.
+class ExpectedLogLines {
+public:
+    enum class Kind {
+        HeldBackDecoders, ///< only what stream info says about a decoder that it may not open
+        Everything,       ///< all lines: a decoder is made to fail
+    };
+
+    explicit ExpectedLogLines(Kind kind);
+    ~ExpectedLogLines();
+    ExpectedLogLines(const ExpectedLogLines&) = delete;
+    ExpectedLogLines& operator=(const ExpectedLogLines&) = delete;
+};
+
+} // namespace velmora

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "AvHandles.h"
+#include "FileDescriptor.h"
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace velmora {
+
+/// The byte sink of one output for libavformat. Collects what the muxer writes into chunks of
+/// 1 MiB and writes them to the file on a thread of its own, so that reading and writing overlap.
+///
+/// A file that was there before keeps its content until the first chunk is to be written; a file
+/// that was created and got no byte is removed again. The first failed write is kept and reported
+/// by every later operation; nothing more is written after it.
+///
+/// All public members belong to one thread.
+class FileWriter {
+public:
+    FileWriter() = default;
+    ~FileWriter();
+    FileWriter(const FileWriter&) = delete;
+    FileWriter& operator=(const FileWriter&) = delete;
+
+    /// Regular files only. 0, or a negative libav error code.
+    int open(const std::string& path);
+
+    AVIOContext* io() const { return io_.get(); }
+
+    /// Writes what is held, waits for it and closes the file. 0, or the code of the first failure
+    /// since the file was opened.
+    int close();
+
+    /// The first failure so far, or 0.
+    int error() const { return error_.load(); }
+
+private:
+    struct Chunk {
+        std::vector<std::uint8_t> bytes;
+        std::size_t used = 0;
+        std::int64_t offset = 0; ///< of the first byte, in the file
+    };
+
+    static int writePacket(void* opaque, std::uint8_t* buffer, int size);
+    static std::int64_t seek(void* opaque, std::int64_t offset, int whence);
+
+    int createIo();
+    int startThread();
+    void append(const std::uint8_t* bytes, std::size_t size);
+    void handOver();
+    void writeChunks();
+    void writeOut(const Chunk& chunk);
+    void fail(int errorNumber);
+
+    std::string path_;
+    FileDescriptor file_;
+    bool created_ = false; ///< by open(), so it may be removed again
+    IoContextHandle io_;
+    std::int64_t position_ = 0; ///< where the muxer writes next
+    std::int64_t size_ = 0;     ///< of the file, once all is written
+    Chunk filling_;
+
+    std::thread thread_;
+    std::mutex mutex_; ///< guards the three below
+    std::condition_variable changed_;
+    Chunk writing_; ///< belongs to the thread while `pending_`
+    bool pending_ = false;
+    bool ending_ = false;
+
+    bool truncated_ = false; ///< touched by the thread only, until it has been joined
+    std::atomic<int> error_{0};
+};
+
+} // namespace velmora

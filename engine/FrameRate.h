@@ -1,0 +1,20 @@
+#pragma once
+
+extern "C" {
+#include <libavutil/rational.h>
+}
+
+namespace velmora {
+
+/// Pictures per second, divided as integers; 0 when the denominator is 0.
+inline int wholeFrameRate(AVRational rate) {
+    return rate.den != 0 ? rate.num / rate.den : 0;
+}
+
+/// Rates above 1000 pictures per second come from containers that say 30000 and mean 29.97: their
+/// denominator becomes 1001.
+inline AVRational correctedFrameRate(AVRational rate) {
+    return wholeFrameRate(rate) > 1000 ? AVRational{rate.num, 1001} : rate;
+}
+
+} // namespace velmora

@@ -1,0 +1,276 @@
+#include "InputMedia.h"
+
+#include "EngineLog.h"
+#include "HeaderDecoder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace velmora {
+namespace {
+
+constexpr double kMicrosecondsPerSecond = 1'000'000.0;
+// How far into the file the first picture may lie before its headers are left unread.
+constexpr int kMaxPacketsBeforePicture = 256;
+
+int isStopped(void* flag) {
+    return isRaised(static_cast<const StopFlag*>(flag)) ? 1 : 0;
+}
+
+std::span<AVStream* const> streamsOf(const AVFormatContext& container) {
+    return {container.streams, container.nb_streams};
+}
+
+bool hasCostlyHeaders(const AVStream& stream) {
+    return stream.codecpar->codec_id == AV_CODEC_ID_H264 ||
+           stream.codecpar->codec_id == AV_CODEC_ID_HEVC;
+}
+
+/// All decoders but those whose first picture is costly.
+const std::string& cheapDecoders() {
+    static const std::string names = [] {
+        std::string list;
+        void* position = nullptr;
+        while (const AVCodec* codec = av_codec_iterate(&position)) {
+            if (av_codec_is_decoder(codec) != 0 && codec->id != AV_CODEC_ID_H264 &&
+                codec->id != AV_CODEC_ID_HEVC) {
+                list.append(list.empty() ? "" : ",").append(codec->name);
+            }
+        }
+        return list;
+    }();
+    return names;
+}
+
+/// The decoder options of each stream while stream info is read: no picture beyond the limit.
+class StreamOptions {
+public:
+    explicit StreamOptions(unsigned count) : options_(count, nullptr) {
+        for (AVDictionary*& options : options_) {
+            av_dict_set_int(&options, "max_pixels", kMaxPixels, 0);
+        }
+    }
+    StreamOptions(const StreamOptions&) = delete;
+    StreamOptions& operator=(const StreamOptions&) = delete;
+    ~StreamOptions() {
+        for (AVDictionary*& options : options_) {
+            av_dict_free(&options);
+        }
+    }
+    AVDictionary** address() { return options_.data(); }
+
+private:
+    std::vector<AVDictionary*> options_;
+};
+
+/// Truncates; what does not fit becomes the nearest value that does.
+std::int64_t truncated(double value) {
+    constexpr double limit = 9.2e18;
+    if (std::isnan(value)) {
+        return 0;
+    }
+    return static_cast<std::int64_t>(std::clamp(value, -limit, limit));
+}
+
+/// Formats whose time stamps may jump are searched by byte position, where they allow that.
+bool seeksByBytes(const AVFormatContext& container) {
+    return (container.iformat->flags & AVFMT_TS_DISCONT) != 0 &&
+           (container.iformat->flags & AVFMT_NO_BYTE_SEEK) == 0;
+}
+
+} // namespace
+
+bool isVideoStream(const AVStream& stream) {
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+}
+
+InputMedia::InputMedia(std::string path, const StopFlag* stop)
+    : path_(std::move(path)), stop_(stop), reader_(stop) {}
+
+int InputMedia::open() {
+    int result = reader_.open(path_);
+    AVFormatContext* context = result < 0 ? nullptr : avformat_alloc_context();
+    if (result >= 0 && context == nullptr) {
+        result = AVERROR(ENOMEM);
+    }
+    if (result >= 0) {
+        context->pb = reader_.io();
+        context->interrupt_callback = {isStopped, const_cast<StopFlag*>(stop_)};
+        OptionDictionary options;
+        options.set("protocol_whitelist", "file"); // for what a play list inside the file names
+        result = avformat_open_input(&context, path_.c_str(), nullptr, options.address());
+        container_.reset(context); // null after a failure
+    }
+    if (result < 0) {
+        logFailure(path_, "open", result);
+    }
+    return result;
+}
+
+int InputMedia::readStreamInfo() {
+    const int result = findStreamInfo();
+    if (result < 0) {
+        logFailure(path_, "read stream info", result);
+        return result;
+    }
+    pickStreams();
+    return result;
+}
+
+int InputMedia::findStreamInfo() {
+    const bool holdBack = canHoldBackDecoders();
+    if (holdBack) {
+        container_->codec_whitelist = av_strdup(cheapDecoders().c_str());
+    }
+    StreamOptions options(container_->nb_streams);
+    int result = 0;
+    {
+        const ExpectedLogLines expected(ExpectedLogLines::Kind::HeldBackDecoders);
+        result = avformat_find_stream_info(container_.get(), options.address());
+    }
+    if (holdBack) {
+        av_freep(static_cast<void*>(&container_->codec_whitelist));
+        readHeldBackParameters();
+    }
+    return result;
+}
+
+// Stream info decodes the first pictures only to learn what their headers say. Where the container
+// itself tells the picture size, the rest is read from the headers much faster.
+bool InputMedia::canHoldBackDecoders() const {
+    bool any = false;
+    for (const AVStream* stream : streamsOf(*container_)) {
+        if (hasCostlyHeaders(*stream)) {
+            const AVCodecParameters& parameters = *stream->codecpar;
+            if (parameters.width <= 0 || parameters.height <= 0 || parameters.extradata_size <= 0) {
+                return false;
+            }
+            any = true;
+        }
+    }
+    return any && (container_->ctx_flags & AVFMTCTX_NOHEADER) == 0;
+}
+
+void InputMedia::readHeldBackParameters() {
+    std::vector<bool> missing;
+    for (const AVStream* stream : streamsOf(*container_)) {
+        missing.push_back(hasCostlyHeaders(*stream));
+    }
+    for (int i = 0; i < kMaxPacketsBeforePicture && std::ranges::count(missing, true) > 0; ++i) {
+        PacketHandle packet(av_packet_alloc());
+        if (packet == nullptr || av_read_frame(container_.get(), packet.get()) < 0) {
+            return;
+        }
+        const auto index = static_cast<std::size_t>(packet->stream_index);
+        if (index < missing.size() && missing[index]) {
+            AVCodecParameters& parameters = *container_->streams[index]->codecpar;
+            missing[index] = !completeFromHeaders(parameters, *packet);
+        }
+        lookahead_.push_back(std::move(packet));
+    }
+}
+
+void InputMedia::pickStreams() {
+    for (const AVStream* stream : streamsOf(*container_)) {
+        if (isVideoStream(*stream)) {
+            videoStreamIndex_ = stream->index;
+        } else if (stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            audioStreamIndex_ = stream->index;
+        }
+    }
+    for (AVStream* stream : streamsOf(*container_)) {
+        if (stream->index != videoStreamIndex_ && stream->index != audioStreamIndex_) {
+            stream->discard = AVDISCARD_ALL;
+        }
+    }
+}
+
+int InputMedia::openVideoDecoder() {
+    const AVStream* stream = videoStream();
+    return stream != nullptr ? openDecoder(*stream, videoDecoder_) : 0;
+}
+
+int InputMedia::openAudioDecoder() {
+    const AVStream* stream = audioStream();
+    return stream != nullptr ? openDecoder(*stream, audioDecoder_) : 0;
+}
+
+int InputMedia::openDecoder(const AVStream& stream, CodecContextHandle& decoder) {
+    decoder.reset();
+    const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    int result = codec != nullptr ? 0 : AVERROR_DECODER_NOT_FOUND;
+    CodecContextHandle opened;
+    if (result >= 0) {
+        opened.reset(avcodec_alloc_context3(codec));
+        result = opened != nullptr ? avcodec_parameters_to_context(opened.get(), stream.codecpar)
+                                   : AVERROR(ENOMEM);
+    }
+    if (result >= 0) {
+        opened->pkt_timebase = stream.time_base;
+        opened->max_pixels = kMaxPixels;
+        result = avcodec_open2(opened.get(), codec, nullptr);
+    }
+    if (result < 0) {
+        logFailure(path_, "open decoder", result);
+        return result;
+    }
+    decoder = std::move(opened);
+    return 0;
+}
+
+int InputMedia::read(AVPacket& packet) {
+    if (!lookahead_.empty()) {
+        av_packet_move_ref(&packet, lookahead_.front().get());
+        lookahead_.pop_front();
+        return 0;
+    }
+    return av_read_frame(container_.get(), &packet);
+}
+
+int InputMedia::seek(double& startSeconds) {
+    int result = 0;
+    if (const auto position = bytePosition(startSeconds)) {
+        result = av_seek_frame(container_.get(), -1, *position, AVSEEK_FLAG_BYTE);
+    } else {
+        startSeconds += containerStartSeconds();
+        const std::int64_t timestamp = truncated(startSeconds * kMicrosecondsPerSecond);
+        result = av_seek_frame(container_.get(), -1, timestamp, AVSEEK_FLAG_BACKWARD);
+    }
+    if (result >= 0) {
+        lookahead_.clear();
+    }
+    return result;
+}
+
+std::optional<std::int64_t> InputMedia::bytePosition(double startSeconds) const {
+    const std::int64_t size = avio_size(container_->pb);
+    const std::int64_t durationUs = container_->duration;
+    if (!seeksByBytes(*container_) || size <= 0 || durationUs <= 0) {
+        return std::nullopt;
+    }
+    const double position = static_cast<double>(size) * startSeconds * kMicrosecondsPerSecond /
+                            static_cast<double>(durationUs);
+    return std::clamp(truncated(position), INT64_C(0), size);
+}
+
+double InputMedia::containerStartSeconds() const {
+    return container_->start_time == AV_NOPTS_VALUE
+               ? 0.0
+               : static_cast<double>(container_->start_time) / kMicrosecondsPerSecond;
+}
+
+void InputMedia::readVideoOnly() {
+    if (AVStream* audio = audioStream(); audio != nullptr) {
+        audio->discard = AVDISCARD_ALL;
+    }
+}
+
+AVStream* InputMedia::stream(int index) const {
+    return index >= 0 ? container_->streams[index] : nullptr;
+}
+
+} // namespace velmora

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "AvHandles.h"
+#include "FileReader.h"
+#include "StopFlag.h"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+/// One opened source: its container, the streams that are used of it and their decoders. Owns the
+/// file, the container context and the decoders. Belongs to one thread.
+///
+/// Of several video or audio streams the last one is used. An attached picture (cover art) is not
+/// a video stream; data and subtitle streams are not read.
+class InputMedia {
+public:
+    /// Opens and reads end early with AVERROR_EXIT once `stop` is raised; null: never.
+    InputMedia(std::string path, const StopFlag* stop);
+
+    /// Opens the file and reads the container's header. 0 or a negative libav error code.
+    int open();
+    /// Finds out what the streams are and picks those to be used. 0 or more, or a negative code.
+    int readStreamInfo();
+    /// 0; AVERROR_DECODER_NOT_FOUND; or what opening it gave. Without such a stream: 0.
+    int openVideoDecoder();
+    int openAudioDecoder();
+    void closeVideoDecoder() { videoDecoder_.reset(); }
+
+    /// The next packet of any stream that is read. 0, or a negative code at the end or on failure.
+    int read(AVPacket& packet);
+
+    /// Goes to `startSeconds` on the input's own time line, counted from its first picture: to the
+    /// key frame at or before it, or, in formats whose time line may jump, to the same fraction of
+    /// the file as of the duration. In the first case the container's start time is added to
+    /// `startSeconds`. 0 or more, or a negative code; then the position is as it was.
+    int seek(double& startSeconds);
+
+    /// From now on only packets of the video stream are read.
+    void readVideoOnly();
+
+    const std::string& path() const { return path_; }
+    AVFormatContext* container() const { return container_.get(); }
+    /// Null when there is none.
+    AVStream* videoStream() const { return stream(videoStreamIndex_); }
+    AVStream* audioStream() const { return stream(audioStreamIndex_); }
+    int videoStreamIndex() const { return videoStreamIndex_; } ///< -1: none
+    int audioStreamIndex() const { return audioStreamIndex_; } ///< -1: none
+    /// Null until opened.
+    AVCodecContext* videoDecoder() const { return videoDecoder_.get(); }
+    AVCodecContext* audioDecoder() const { return audioDecoder_.get(); }
+    /// As the file was when it was opened.
+    const FileIdentity& identity() const { return reader_.identity(); }
+
+private:
+    AVStream* stream(int index) const;
+    int findStreamInfo();
+    bool canHoldBackDecoders() const;
+    void readHeldBackParameters();
+    void pickStreams();
+    int openDecoder(const AVStream& stream, CodecContextHandle& decoder);
+    std::optional<std::int64_t> bytePosition(double startSeconds) const;
+    double containerStartSeconds() const; ///< 0 when unknown
+
+    std::string path_;
+    const StopFlag* stop_;
+    FileReader reader_; ///< outlives the container, which reads through it
+    InputContextHandle container_;
+    CodecContextHandle videoDecoder_;
+    CodecContextHandle audioDecoder_;
+    std::deque<PacketHandle> lookahead_; ///< read already, to be given out first
+    int videoStreamIndex_ = -1;
+    int audioStreamIndex_ = -1;
+};
+
+/// A stream of pictures that follow each other in time, other than an attached picture.
+bool isVideoStream(const AVStream& stream);
+
+/// A hostile header can ask for any picture size; this allows four times the area of 8K video.
+constexpr std::int64_t kMaxPixels = std::int64_t{16384} * 8192;
+
+} // namespace velmora

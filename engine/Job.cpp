@@ -1,0 +1,25 @@
+#include "Job.h"
+
+#include "ConversionEngine.h"
+
+namespace velmora {
+namespace {
+
+/// A row up to its first NUL; a row that is missing is empty.
+std::string rowOf(const StringTable& table, std::size_t index) {
+    return index < table.size() ? std::string(table[index].c_str()) : std::string();
+}
+
+} // namespace
+
+Job::Job(const ConversionEngine& engine)
+    : outputPath(rowOf(engine.outputPaths, 0)), joins(engine.joinMode != 0),
+      reencodes(engine.reencode != 0) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(engine.inputCount); ++i) {
+        inputPaths.push_back(rowOf(engine.inputPaths, i));
+        startSeconds.push_back(engine.startTimes[i]);
+        spanSeconds.push_back(joins ? engine.joinTotalMs : engine.spans[i].load());
+    }
+}
+
+} // namespace velmora

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "AvHandles.h"
+#include "FileIdentity.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+class InputMedia;
+
+/// Takes preview pictures. Keeps the last file open, so that the next picture of it costs a seek
+/// and the decoding of one picture; a file that has changed meanwhile is opened anew. Belongs to
+/// one thread.
+class Snapshot {
+public:
+    Snapshot();
+    ~Snapshot();
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+    /// See ConversionEngine::snapshot. A seek by time adds the container's start time to
+    /// `startSeconds`.
+    int take(const std::string& path, double& startSeconds, const std::string& picturePath);
+
+private:
+    /// A picture that was written, and from what.
+    struct Written {
+        FileIdentity source;
+        FileIdentity picture;
+        double askedSeconds;
+        double foundSeconds; ///< askedSeconds on the container's time line
+    };
+
+    int keepOrOpen(const std::string& path);
+    int open(const std::string& path);
+    bool isWritten(double& startSeconds, const std::string& picturePath) const;
+    int findPicture(double& startSeconds, FrameHandle& picture);
+    int goTo(double& startSeconds);
+
+    std::unique_ptr<InputMedia> input_;
+    bool atStart_ = false; ///< nothing has been read of the input yet
+    std::optional<Written> written_;
+};
+
+} // namespace velmora

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "OutputMedia.h"
+#include "PacketHandler.h"
+#include "PictureOrder.h"
+
+#include <optional>
+
+namespace velmora {
+
+/// Gives `output` the parameters of `source` as far as a copy of its packets needs them, with what
+/// belongs to the stream: tags, side data such as the display matrix, aspect ratio, disposition.
+/// 0 or a negative libav error code.
+int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutputFormat& format,
+                         AVStream& output);
+
+/// Copies the tags that tell of the whole file, other than those of its container.
+void copyFileTags(const AVFormatContext& input, AVDictionary** tags);
+
+/// How many pictures the decoding of `source` runs ahead of their display in this container; 0
+/// where packets are numbered in coding order alone. `decoderDelay`: what its decoder says.
+int displayDelay(const AVFormatContext& input, const AVStream& source, int decoderDelay,
+                 const AVOutputFormat& format);
+
+/// Copies the packets of one input's video stream, numbered by the output's clock. In containers
+/// that store display times, pictures that were coded out of order are shown in order.
+class VideoCopier : public PacketHandler {
+public:
+    VideoCopier(OutputMedia& output, OutputStream& stream);
+
+    /// `delay`: the input's display delay. 0 or a negative libav error code.
+    int open(const AVStream& source, int delay);
+
+    PacketOutcome handle(PacketHandle packet) override;
+    PacketOutcome finish() override;
+
+private:
+    PacketOutcome number(PacketHandle packet);
+    PacketOutcome writePlaced();
+    PacketOutcome write(AVPacket& packet, std::int64_t pts, std::int64_t dts);
+
+    OutputMedia& output_;
+    OutputStream& stream_;
+    BitstreamFilterHandle filter_; ///< null: packets go as they are
+    std::optional<PictureOrder> order_;
+    std::int64_t displayStart_ = 0; ///< the slot in which the input's first picture is shown
+    std::int64_t written_ = 0;      ///< the slot of the next packet, in coding order
+};
+
+/// Copies the packets of one input's audio stream, numbered by the output's clock.
+class AudioCopier : public PacketHandler {
+public:
+    AudioCopier(OutputMedia& output, OutputStream& stream, const AVStream& source);
+
+    PacketOutcome handle(PacketHandle packet) override;
+    PacketOutcome finish() override { return PacketOutcome::Done; }
+
+private:
+    std::int64_t samplesIn(const AVPacket& packet) const;
+
+    OutputMedia& output_;
+    OutputStream& stream_;
+    const AVStream& source_;
+};
+
+} // namespace velmora

@@ -1,0 +1,248 @@
+// A small program over the engine for tests, benchmarks and scripts: fills the job table as the
+// program's driver does and prints one JSON object.
+
+#include "ConversionEngine.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include <nlohmann/json.hpp>
+
+#include <charconv>
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
+#include <iostream>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace {
+
+using nlohmann::json;
+using velmora::ConversionEngine;
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kUsage = 2;
+constexpr int kPathBytes = 256;
+constexpr auto kProgressInterval = std::chrono::milliseconds(10);
+
+using Arguments = std::span<char*>;
+
+constexpr std::string_view kUsageText = R"(usage:
+  velmora-engine probe FILE
+  velmora-engine snapshot FILE SECONDS OUT.bmp [--repeat N]
+  velmora-engine cut FILE START END OUT
+  velmora-engine join OUT FILE FILE...
+)";
+
+int usage() {
+    std::cerr << kUsageText;
+    return kUsage;
+}
+
+template <typename Number> std::optional<Number> parse(std::string_view text) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+void print(const json& object) {
+    // Paths may hold any bytes; what is no UTF-8 is shown as such.
+    std::cout << object.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
+}
+
+int probe(Arguments arguments) {
+    if (arguments.size() != 1) {
+        return usage();
+    }
+    ConversionEngine& engine = ConversionEngine::instance();
+    engine.probePath = arguments[0];
+    const int code = engine.probe();
+    print({{"code", code},
+           {"streamCount", engine.streamCount},
+           {"videoStreamIndex", engine.videoStreamIndex},
+           {"audioStreamIndex", engine.audioStreamIndex},
+           {"sourceWidth", engine.sourceWidth},
+           {"sourceHeight", engine.sourceHeight},
+           {"sourceFrameRate", engine.sourceFrameRate},
+           {"sourceFrameRateNum", engine.sourceFrameRateNum},
+           {"sourceFrameRateDen", engine.sourceFrameRateDen},
+           {"durationUs", engine.durationUs},
+           {"durationFloor", engine.durationFloor},
+           {"durationSeconds", engine.durationSeconds},
+           {"videoCodecId", engine.videoCodecId},
+           {"videoBitRate", engine.videoBitRate},
+           {"audioCodecId", engine.audioCodecId},
+           {"audioBitRate", engine.audioBitRate},
+           {"audioSampleRate", engine.audioSampleRate},
+           {"audioChannels", engine.audioChannels}});
+    return code == 0 ? kSuccess : kFailure;
+}
+
+int snapshot(Arguments arguments) {
+    const bool repeats = arguments.size() == 5 && std::string_view(arguments[3]) == "--repeat";
+    if (arguments.size() != 3 && !repeats) {
+        return usage();
+    }
+    const auto start = parse<double>(arguments[1]);
+    const auto count = repeats ? parse<int>(arguments[4]) : 1;
+    if (!start || !count || *count < 1) {
+        return usage();
+    }
+    ConversionEngine& engine = ConversionEngine::instance();
+    engine.probePath = arguments[0];
+    engine.snapshotPath = arguments[2];
+    engine.currentIndex = 0;
+    json milliseconds = json::array();
+    int code = 0;
+    for (int i = 0; i < *count && code == 0; ++i) {
+        engine.startTimes[0] = *start + i;
+        const auto before = std::chrono::steady_clock::now();
+        code = engine.snapshot();
+        const auto taken = std::chrono::steady_clock::now() - before;
+        milliseconds.push_back(std::chrono::duration<double, std::milli>(taken).count());
+    }
+    json result{{"code", code}};
+    if (repeats) {
+        result["milliseconds"] = milliseconds;
+    }
+    print(result);
+    return code == 0 ? kSuccess : kFailure;
+}
+
+void requestStop(int /*signal*/) {
+    ConversionEngine::instance().stopRequested = 1;
+}
+
+void reportProgress(const ConversionEngine& engine, const std::stop_token& ended) {
+    std::mutex mutex;
+    std::condition_variable_any timer;
+    std::unique_lock lock(mutex);
+    int shown = -1;
+    for (bool last = false; !last;) {
+        last = ended.stop_requested();
+        if (const int percent = engine.currentPercent; percent != shown) {
+            shown = percent;
+            std::cerr << percent << '\n';
+        }
+        timer.wait_for(lock, ended, kProgressInterval, [] { return false; });
+    }
+}
+
+/// Runs the job in the table and prints how it ended.
+int runJob(ConversionEngine& engine, bool joins) {
+    engine.currentIndex = -1;
+    engine.stopRequested = 0;
+    engine.currentPercent = 0;
+    engine.joinMode = joins ? 1 : 0;
+    engine.reencode = 0;
+    std::signal(SIGINT, requestStop);
+    {
+        const std::jthread progress(
+            [&engine](const std::stop_token& ended) { reportProgress(engine, ended); });
+        engine.run();
+    }
+    json states = json::array();
+    bool allDone = true;
+    for (int i = 0; i < engine.inputCount; ++i) {
+        const int state = engine.fileStates[static_cast<std::size_t>(i)];
+        states.push_back(state);
+        allDone = allDone && state == ConversionEngine::Done;
+    }
+    print({{"fileStates", states},
+           {"currentIndex", engine.currentIndex.load()},
+           {"currentPercent", engine.currentPercent.load()}});
+    return allDone ? kSuccess : kFailure;
+}
+
+void allocateTable(ConversionEngine& engine, Arguments inputs, const char* output) {
+    const int count = static_cast<int>(inputs.size());
+    engine.jobCount = count;
+    engine.inputCount = count;
+    engine.inputPaths = ConversionEngine::allocStringTable(count, kPathBytes);
+    engine.outputPaths = ConversionEngine::allocStringTable(count, kPathBytes);
+    engine.currentPercent = -1;
+    engine.joinTotalMs = 0;
+    engine.videoCodecChosen = 0;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        engine.inputPaths[i] = inputs[i];
+        engine.outputPaths[i] = output;
+    }
+}
+
+int cut(Arguments arguments) {
+    if (arguments.size() != 4) {
+        return usage();
+    }
+    const auto start = parse<double>(arguments[1]);
+    const auto end = parse<double>(arguments[2]);
+    if (!start || !end) {
+        return usage();
+    }
+    ConversionEngine& engine = ConversionEngine::instance();
+    allocateTable(engine, arguments.first(1), arguments[3]);
+    engine.startTimes[0] = *start;
+    engine.endTimes[0] = *end;
+    engine.spans[0] = *end - *start;
+    return runJob(engine, false);
+}
+
+/// The length of a file in seconds, as the joiner's list holds it; 0 when it cannot be told.
+float lengthOf(ConversionEngine& engine, const char* path) {
+    constexpr double microseconds = 1e6;
+    engine.probePath = path;
+    const bool known = engine.probe() == 0 && engine.durationSeconds >= 0;
+    return known ? static_cast<float>(static_cast<double>(engine.durationUs) / microseconds) : 0.0F;
+}
+
+int join(Arguments arguments) {
+    if (arguments.size() < 2 || arguments.size() > ConversionEngine::kMaxInputs + 1) {
+        return usage();
+    }
+    const Arguments inputs = arguments.subspan(1);
+    ConversionEngine& engine = ConversionEngine::instance();
+    allocateTable(engine, inputs, arguments[0]);
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        constexpr float unit = 1000.0F; // the list of a join counts seconds where a cut's counts ms
+        engine.startTimes[i] = 0.0;
+        engine.endTimes[i] = lengthOf(engine, inputs[i]) / unit;
+        engine.joinTotalMs =
+            static_cast<std::int32_t>(engine.joinTotalMs + engine.endTimes[i] * unit);
+    }
+    return runJob(engine, true);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Arguments arguments(argv, static_cast<std::size_t>(argc));
+    if (arguments.size() < 2) {
+        return usage();
+    }
+    av_log_set_level(AV_LOG_WARNING);
+    const std::string_view command = arguments[1];
+    const Arguments rest = arguments.subspan(2);
+    if (command == "probe") {
+        return probe(rest);
+    }
+    if (command == "snapshot") {
+        return snapshot(rest);
+    }
+    if (command == "cut") {
+        return cut(rest);
+    }
+    if (command == "join") {
+        return join(rest);
+    }
+    return usage();
+}
