@@ -13,9 +13,11 @@
 namespace velmora {
 namespace {
 
-// The file system serves large aligned writes with large pages: a third less time in the kernel
-// than with 256 KiB.
-constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
+// Large enough that handing a chunk over costs nothing; there are two of them.
+constexpr std::size_t kChunkBytes = std::size_t{512} * 1024;
+// Writing into space that was reserved beforehand takes a third less time in the kernel. Small
+// files do without; at most one step is reserved in vain, until the file is closed.
+constexpr std::int64_t kReservedBytes = std::int64_t{16} * 1024 * 1024;
 // Only for the muxer's small fields; packets go past it into the chunk.
 constexpr int kFieldBufferBytes = 32 * 1024;
 constexpr mode_t kMode = 0666;
@@ -94,10 +96,13 @@ int FileWriter::close() {
         changed_.notify_all();
         thread_.join();
     }
+    if (reservedEnd_ > size_ && ftruncate(file_.get(), size_) != 0) {
+        fail(errno);
+    }
     if (file_.close() != 0) {
         fail(errno);
     }
-    if (created_ && !truncated_) {
+    if (created_ && !touched_) {
         std::remove(path_.c_str());
     }
     io_.reset();
@@ -190,12 +195,15 @@ void FileWriter::writeChunks() {
 }
 
 void FileWriter::writeOut(const Chunk& chunk) {
-    if (error() == 0 && !truncated_) {
-        truncated_ = true;
-        if (ftruncate(file_.get(), 0) != 0) {
+    if (!touched_) {
+        touched_ = true;
+        // Not for a new file: after a needless truncation, some file systems write it all to the
+        // disk before they close it.
+        if (!created_ && ftruncate(file_.get(), 0) != 0) {
             fail(errno);
         }
     }
+    reserve(chunk.offset + static_cast<std::int64_t>(chunk.used));
     std::size_t written = 0;
     while (error() == 0 && written < chunk.used) {
         const ssize_t count =
@@ -208,6 +216,13 @@ void FileWriter::writeOut(const Chunk& chunk) {
         } else if (errno != EINTR) {
             fail(errno);
         }
+    }
+}
+
+void FileWriter::reserve(std::int64_t end) {
+    if (reservedEnd_ >= 0 && end > std::max(reservedEnd_, kReservedBytes)) {
+        const bool reserved = fallocate(file_.get(), FALLOC_FL_KEEP_SIZE, end, kReservedBytes) == 0;
+        reservedEnd_ = reserved ? end + kReservedBytes : -1;
     }
 }
 

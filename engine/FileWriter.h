@@ -15,8 +15,8 @@
 
 namespace velmora {
 
-/// The byte sink of one output for libavformat. Collects what the muxer writes into chunks of
-/// 1 MiB and writes them to the file on a thread of its own, so that reading and writing overlap.
+/// The byte sink of one output for libavformat. Collects what the muxer writes into chunks
+/// and writes them to the file on a thread of its own, so that reading and writing overlap.
 ///
 /// A file that was there before keeps its content until the first chunk is to be written; a file
 /// that was created and got no byte is removed again. The first failed write is kept and reported
@@ -58,6 +58,7 @@ private:
     void handOver();
     void writeChunks();
     void writeOut(const Chunk& chunk);
+    void reserve(std::int64_t end);
     void fail(int errorNumber);
 
     std::string path_;
@@ -75,7 +76,8 @@ private:
     bool pending_ = false;
     bool ending_ = false;
 
-    bool truncated_ = false; ///< touched by the thread only, until it has been joined
+    bool touched_ = false;         ///< used by the thread only, until it has been joined
+    std::int64_t reservedEnd_ = 0; ///< likewise; -1: the file system reserves nothing
     std::atomic<int> error_{0};
 };
 

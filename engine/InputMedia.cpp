@@ -199,6 +199,11 @@ int InputMedia::openAudioDecoder() {
     return stream != nullptr ? openDecoder(*stream, audioDecoder_) : 0;
 }
 
+void InputMedia::closeDecoders() {
+    videoDecoder_.reset();
+    audioDecoder_.reset();
+}
+
 int InputMedia::openDecoder(const AVStream& stream, CodecContextHandle& decoder) {
     decoder.reset();
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);

@@ -28,7 +28,7 @@ public:
     /// 0; AVERROR_DECODER_NOT_FOUND; or what opening it gave. Without such a stream: 0.
     int openVideoDecoder();
     int openAudioDecoder();
-    void closeVideoDecoder() { videoDecoder_.reset(); }
+    void closeDecoders();
 
     /// The next packet of any stream that is read. 0, or a negative code at the end or on failure.
     int read(AVPacket& packet);

@@ -59,6 +59,7 @@ private:
     std::size_t index_ = 0;
     std::optional<OutputMedia> output_;
     std::optional<InputMedia> input_;
+    int decoderDelay_ = 0; ///< pictures, of the input in hand
     std::unique_ptr<PacketHandler> video_;
     std::unique_ptr<PacketHandler> audio_;
 };
@@ -123,6 +124,12 @@ Step JobRun::openInput() {
         return Step::InputFailed;
     }
     input_->openAudioDecoder(); // sound that cannot be decoded can still be copied
+    if (input_->videoDecoder() != nullptr) {
+        decoderDelay_ = input_->videoDecoder()->has_b_frames;
+    }
+    if (!job_.reencodes) {
+        input_->closeDecoders(); // a copy only has to know that they open
+    }
     return Step::Continue;
 }
 
@@ -146,8 +153,7 @@ Step JobRun::setUpVideo() {
     if (source == nullptr) {
         return Step::Continue;
     }
-    const int delay = displayDelay(*input_->container(), *source,
-                                   input_->videoDecoder()->has_b_frames, output_->format());
+    const int delay = displayDelay(*input_->container(), *source, decoderDelay_, output_->format());
     if (isFirst()) {
         const AVRational rate = correctedFrameRate(source->r_frame_rate);
         if (rate.num <= 0 || rate.den <= 0) {

@@ -107,7 +107,7 @@ int Snapshot::take(const std::string& path, double& startSeconds, const std::str
             written_ = {input_->identity(), *written, askedSeconds, startSeconds};
         }
     }
-    input_->closeVideoDecoder();
+    input_->closeDecoders();
     return result == AVERROR_DECODER_NOT_FOUND ? 0 : result;
 }
 
