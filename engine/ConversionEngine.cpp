@@ -47,7 +47,7 @@ StringTable ConversionEngine::allocStringTable(int count, int size) {
         return {};
     }
     const std::string row(static_cast<std::size_t>(std::max(size, 0)), '\0');
-    return StringTable(static_cast<std::size_t>(count), row);
+    return {static_cast<std::size_t>(count), row};
 }
 
 void ConversionEngine::copyString(char* dst, int size, const char* src) {

@@ -13,8 +13,16 @@ extern "C" {
 namespace velmora {
 namespace {
 
-std::atomic<LogSink> currentSink{av_log_default_callback};
-thread_local std::optional<ExpectedLogLines::Kind> expectedLines;
+std::atomic<LogSink>& currentSink() {
+    static std::atomic<LogSink> sink{av_log_default_callback};
+    return sink;
+}
+
+/// What this thread expects at the moment.
+std::optional<ExpectedLogLines::Kind>& expectedLines() {
+    thread_local std::optional<ExpectedLogLines::Kind> kind;
+    return kind;
+}
 
 bool speaksOfHeldBackDecoder(std::string_view format) {
     return format.find("not on whitelist") != std::string_view::npos ||
@@ -22,22 +30,21 @@ bool speaksOfHeldBackDecoder(std::string_view format) {
 }
 
 bool isExpected(const char* format) {
-    if (!expectedLines) {
-        return false;
-    }
-    return *expectedLines == ExpectedLogLines::Kind::Everything || speaksOfHeldBackDecoder(format);
+    const auto kind = expectedLines();
+    return kind == ExpectedLogLines::Kind::Everything ||
+           (kind == ExpectedLogLines::Kind::HeldBackDecoders && speaksOfHeldBackDecoder(format));
 }
 
 void passOn(void* object, int level, const char* format, va_list arguments) {
     if (!isExpected(format)) {
-        currentSink.load()(object, level, format, arguments);
+        currentSink().load()(object, level, format, arguments);
     }
 }
 
 } // namespace
 
 void setLogSink(LogSink sink) {
-    currentSink = sink != nullptr ? sink : av_log_default_callback;
+    currentSink() = sink != nullptr ? sink : av_log_default_callback;
     av_log_set_callback(passOn);
 }
 
@@ -48,11 +55,11 @@ void logFailure(const std::string& path, const char* operation, int code) {
 }
 
 ExpectedLogLines::ExpectedLogLines(Kind kind) {
-    expectedLines = kind;
+    expectedLines() = kind;
 }
 
 ExpectedLogLines::~ExpectedLogLines() {
-    expectedLines.reset();
+    expectedLines().reset();
 }
 
 } // namespace velmora

@@ -18,6 +18,7 @@ public:
     explicit FileReader(const StopFlag* stop) : stop_(stop) {}
     FileReader(const FileReader&) = delete;
     FileReader& operator=(const FileReader&) = delete;
+    ~FileReader() = default;
 
     /// 0, or a negative libav error code.
     int open(const std::string& path);

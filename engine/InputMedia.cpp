@@ -16,10 +16,6 @@ constexpr double kMicrosecondsPerSecond = 1'000'000.0;
 // How far into the file the first picture may lie before its headers are left unread.
 constexpr int kMaxPacketsBeforePicture = 256;
 
-int isStopped(void* flag) {
-    return isRaised(static_cast<const StopFlag*>(flag)) ? 1 : 0;
-}
-
 std::span<AVStream* const> streamsOf(const AVFormatContext& container) {
     return {container.streams, container.nb_streams};
 }
@@ -99,7 +95,7 @@ int InputMedia::open() {
     }
     if (result >= 0) {
         context->pb = reader_.io();
-        context->interrupt_callback = {isStopped, const_cast<StopFlag*>(stop_)};
+        context->interrupt_callback = {isStopped, this};
         OptionDictionary options;
         options.set("protocol_whitelist", "file"); // for what a play list inside the file names
         result = avformat_open_input(&context, path_.c_str(), nullptr, options.address());
@@ -109,6 +105,10 @@ int InputMedia::open() {
         logFailure(path_, "open", result);
     }
     return result;
+}
+
+int InputMedia::isStopped(void* self) {
+    return isRaised(static_cast<const InputMedia*>(self)->stop_) ? 1 : 0;
 }
 
 int InputMedia::readStreamInfo() {

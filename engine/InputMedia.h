@@ -56,6 +56,7 @@ public:
     const FileIdentity& identity() const { return reader_.identity(); }
 
 private:
+    static int isStopped(void* self);
     AVStream* stream(int index) const;
     int findStreamInfo();
     bool canHoldBackDecoders() const;

@@ -7,7 +7,7 @@ namespace {
 
 /// A row up to its first NUL; a row that is missing is empty.
 std::string rowOf(const StringTable& table, std::size_t index) {
-    return index < table.size() ? std::string(table[index].c_str()) : std::string();
+    return index < table.size() ? table[index].substr(0, table[index].find('\0')) : std::string();
 }
 
 } // namespace

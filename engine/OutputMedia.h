@@ -25,6 +25,7 @@ public:
     explicit OutputMedia(std::string path) : path_(std::move(path)) {}
     OutputMedia(const OutputMedia&) = delete;
     OutputMedia& operator=(const OutputMedia&) = delete;
+    ~OutputMedia() = default;
 
     /// Chooses the container by the path's extension. 0 or a negative libav error code.
     int create();

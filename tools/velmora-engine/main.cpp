@@ -13,6 +13,7 @@ extern "C" {
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
+#include <exception>
 #include <iostream>
 #include <mutex>
 #include <optional>
@@ -222,27 +223,35 @@ int join(Arguments arguments) {
     return runJob(engine, true);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    const Arguments arguments(argv, static_cast<std::size_t>(argc));
+int command(Arguments arguments) {
     if (arguments.size() < 2) {
         return usage();
     }
     av_log_set_level(AV_LOG_WARNING);
-    const std::string_view command = arguments[1];
+    const std::string_view name = arguments[1];
     const Arguments rest = arguments.subspan(2);
-    if (command == "probe") {
+    if (name == "probe") {
         return probe(rest);
     }
-    if (command == "snapshot") {
+    if (name == "snapshot") {
         return snapshot(rest);
     }
-    if (command == "cut") {
+    if (name == "cut") {
         return cut(rest);
     }
-    if (command == "join") {
+    if (name == "join") {
         return join(rest);
     }
     return usage();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return command({argv, static_cast<std::size_t>(argc)});
+    } catch (const std::exception& failure) {
+        std::cerr << failure.what() << '\n';
+        return kFailure;
+    }
 }
