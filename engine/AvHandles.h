@@ -7,6 +7,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
+#include <libavutil/channel_layout.h>
 #include <libavutil/dict.h>
 #include <libavutil/frame.h>
 #include <libswscale/swscale.h>
@@ -47,6 +48,30 @@ public:
 
 private:
     AVDictionary* entries_ = nullptr;
+};
+
+/// An owned channel layout.
+class ChannelLayout {
+public:
+    ChannelLayout() = default;
+    ChannelLayout(const ChannelLayout& other) { av_channel_layout_copy(&layout_, &other.layout_); }
+    ChannelLayout& operator=(const ChannelLayout& other) {
+        if (this != &other) {
+            av_channel_layout_copy(&layout_, &other.layout_);
+        }
+        return *this;
+    }
+    ~ChannelLayout() { av_channel_layout_uninit(&layout_); }
+
+    AVChannelLayout* get() { return &layout_; }
+    const AVChannelLayout* get() const { return &layout_; }
+    int channels() const { return layout_.nb_channels; }
+    bool operator==(const ChannelLayout& other) const {
+        return av_channel_layout_compare(&layout_, &other.layout_) == 0;
+    }
+
+private:
+    AVChannelLayout layout_{};
 };
 
 /// The buffer of an AVIOContext may be replaced by the library, so it is released through it.

@@ -1,6 +1,7 @@
 #pragma once
 
 extern "C" {
+#include <libavcodec/codec_id.h>
 #include <libavutil/rational.h>
 }
 
@@ -16,5 +17,10 @@ inline int wholeFrameRate(AVRational rate) {
 inline AVRational correctedFrameRate(AVRational rate) {
     return wholeFrameRate(rate) > 1000 ? AVRational{rate.num, 1001} : rate;
 }
+
+/// The duration of a picture, in seconds, in an output of `frameRate` pictures per second. 0.0
+/// stands for the source's rate and is replaced by it, divided as integers. Rates that no profile
+/// offers give the source's own duration.
+AVRational encodedFrameDuration(double& frameRate, AVRational sourceRate, AVCodecID codec);
 
 } // namespace velmora

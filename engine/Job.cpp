@@ -13,8 +13,17 @@ std::string rowOf(const StringTable& table, std::size_t index) {
 } // namespace
 
 Job::Job(const ConversionEngine& engine)
-    : outputPath(rowOf(engine.outputPaths, 0)), joins(engine.joinMode != 0),
-      reencodes(engine.reencode != 0) {
+    : outputPath(rowOf(engine.outputPaths, 0)), video{.codec = static_cast<AVCodecID>(
+                                                          engine.videoCodecId),
+                                                      .bitRate = engine.videoBitRate,
+                                                      .width = engine.videoWidth,
+                                                      .height = engine.videoHeight,
+                                                      .frameRate = engine.videoFrameRate},
+      audio{.codec = static_cast<AVCodecID>(engine.audioCodecId),
+            .bitRate = engine.audioBitRate,
+            .sampleRate = engine.audioSampleRate,
+            .channels = engine.audioChannels},
+      joins(engine.joinMode != 0), reencodes(engine.reencode != 0) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(engine.inputCount); ++i) {
         inputPaths.push_back(rowOf(engine.inputPaths, i));
         startSeconds.push_back(engine.startTimes[i]);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OutputSettings.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,8 +20,10 @@ struct Job {
     std::string outputPath;
     std::vector<double> startSeconds; ///< per input
     std::vector<double> spanSeconds;  ///< per input; in a join, of the whole job
-    bool joins = false;               ///< else the inputs are cut
-    bool reencodes = false;           ///< else packets are copied
+    VideoSettings video;
+    AudioSettings audio;
+    bool joins = false;     ///< else the inputs are cut
+    bool reencodes = false; ///< else packets are copied
 };
 
 } // namespace velmora

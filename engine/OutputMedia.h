@@ -15,6 +15,7 @@ struct OutputStream {
     AVStream* stream = nullptr; ///< owned by the muxer's context
     PacketClock clock;          ///< counts what has been written; set up by the header
     AVRational unit{0, 1};      ///< seconds per frame or per sample
+    std::int64_t lastTicks = 0; ///< of the last re-encoded picture written
     int displayDelay = 0;       ///< pictures; how far decoding runs ahead of display
 };
 
@@ -41,6 +42,10 @@ public:
 
     /// How much has been written, seconds; 0 without such a stream.
     double videoSeconds() const { return video_.clock.seconds(); }
+    /// The same, after `pictures` more.
+    double videoSecondsAfter(std::int64_t pictures) const {
+        return video_.clock.secondsAt(video_.clock.units() + pictures);
+    }
     double audioSeconds() const { return audio_.clock.seconds(); }
 
     /// Opens the file and writes the header. 0 or a negative code.

@@ -16,11 +16,11 @@ PacketClock::PacketClock(AVRational timeBase, AVRational unit) {
 }
 
 std::int64_t PacketClock::ticksAt(std::int64_t units) const {
-    return av_rescale(units, ticksPerUnitNum_, ticksPerUnitDen_);
+    return offset_ + av_rescale(units, ticksPerUnitNum_, ticksPerUnitDen_);
 }
 
-double PacketClock::seconds() const {
-    return static_cast<double>(ticks()) * av_q2d(timeBase_);
+double PacketClock::secondsAt(std::int64_t units) const {
+    return static_cast<double>(ticksAt(units)) * av_q2d(timeBase_);
 }
 
 } // namespace velmora

@@ -24,15 +24,20 @@ public:
     /// How many units have been written, and where that is.
     std::int64_t units() const { return units_; }
     std::int64_t ticks() const { return ticksAt(units_); }
-    double seconds() const;
+    double seconds() const { return secondsAt(units_); }
+    double secondsAt(std::int64_t units) const;
+    AVRational timeBase() const { return timeBase_; }
 
     void advance(std::int64_t units) { units_ += units; }
+    /// Goes on from `ticks`, where a packet was written that was not numbered here.
+    void continueFrom(std::int64_t ticks) { offset_ += ticks - this->ticks(); }
 
 private:
     AVRational timeBase_{0, 1};
     std::int64_t ticksPerUnitNum_ = 0;
     std::int64_t ticksPerUnitDen_ = 1;
     std::int64_t units_ = 0;
+    std::int64_t offset_ = 0; ///< ticks
 };
 
 } // namespace velmora

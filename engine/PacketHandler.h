@@ -6,10 +6,9 @@ namespace velmora {
 
 /// What became of a packet, and so what the run does next.
 enum class PacketOutcome {
-    Done,        ///< go on
-    FailedGoOn,  ///< the input has failed, but is read to its end
-    FailedEnd,   ///< the input has failed and is read no further
-    EndUnmarked, ///< the input is read no further, but has not failed for that
+    Done,       ///< go on
+    FailedGoOn, ///< the input has failed, but is read to its end
+    FailedEnd,  ///< the input has failed and is read no further
 };
 
 /// What happens to the packets of one stream of one input on their way to the output.
@@ -20,7 +19,12 @@ public:
     PacketHandler& operator=(const PacketHandler&) = delete;
     virtual ~PacketHandler() = default;
 
-    virtual PacketOutcome handle(PacketHandle packet) = 0;
+    /// Takes the next packet and may begin with what needs nothing of the output. Several packets
+    /// may be prepared before the first of them is handled.
+    virtual void prepare(PacketHandle packet) = 0;
+    /// Carries out what is to be done with the packet that was prepared first. Packets that are
+    /// never handled leave no trace in the output.
+    virtual PacketOutcome handle() = 0;
     /// No packet of this input follows: writes what is held back.
     virtual PacketOutcome finish() = 0;
 };

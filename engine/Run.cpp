@@ -1,30 +1,44 @@
 #include "Run.h"
 
 #include "ConversionEngine.h"
+#include "DirectCopy.h"
 #include "EngineLog.h"
 #include "FileIdentity.h"
-#include "FrameRate.h"
 #include "InputMedia.h"
 #include "Job.h"
 #include "OutputMedia.h"
+#include "Reencoding.h"
 #include "StreamCopier.h"
 
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <optional>
 
 namespace velmora {
 namespace {
 
+// Units that may be written before those of the packets that are due: what an encoder still holds.
+constexpr std::size_t kSpareUnits = 4;
+
 /// How the work on one input ended, or that it goes on.
 enum class Step { Continue, InputFailed, RunEnds };
+
+std::unique_ptr<Conversion> makeConversion(const Job& job) {
+    if (!job.reencodes) {
+        return std::make_unique<DirectCopy>();
+    }
+    const Timing timing = job.joins ? Timing::Join : Timing::Cut;
+    return std::make_unique<Reencoding>(job.video, job.audio, timing);
+}
 
 /// Works through the inputs of one job. Owns what is open: the input in hand, until the next, and
 /// the output, until the end.
 class JobRun {
 public:
     explicit JobRun(ConversionEngine& engine)
-        : engine_(engine), job_(engine), count_(job_.inputPaths.size()) {}
+        : engine_(engine), job_(engine), count_(job_.inputPaths.size()),
+          conversion_(makeConversion(job_)) {}
 
     void execute();
 
@@ -33,14 +47,15 @@ private:
     Step setUp();
     Step openInput();
     Step createOutput();
-    Step setUpVideo();
-    Step setUpAudio();
+    Step setUpStreams();
     Step beginOutput();
-    int copyParameters(AVStream& source, OutputStream& target);
     bool outputIsAnInput() const;
 
     void seekToStart();
     void handlePackets();
+    bool isSureToBeHandled();
+    bool readPacket();
+    void prepareLast();
     bool reachedEnd();
     void updatePercent();
     PacketHandler* handlerOf(const AVPacket& packet) const;
@@ -58,8 +73,15 @@ private:
     const std::size_t count_;
     std::size_t index_ = 0;
     std::optional<OutputMedia> output_;
+    std::unique_ptr<Conversion> conversion_;
     std::optional<InputMedia> input_;
-    int decoderDelay_ = 0; ///< pictures, of the input in hand
+    /// Packets that have been read and not been handled, in order.
+    struct DuePacket {
+        PacketHandle packet;
+        PacketHandler* handler; ///< null: the packet is dropped
+    };
+    std::deque<DuePacket> due_;
+    bool inputEnded_ = false;
     std::unique_ptr<PacketHandler> video_;
     std::unique_ptr<PacketHandler> audio_;
 };
@@ -109,8 +131,8 @@ Step JobRun::setUp() {
     if (!isFirst() && !(output_ && output_->hasBegun())) {
         return Step::InputFailed;
     }
-    for (const auto step : {&JobRun::openInput, &JobRun::createOutput, &JobRun::setUpVideo,
-                            &JobRun::setUpAudio, &JobRun::beginOutput}) {
+    for (const auto step :
+         {&JobRun::openInput, &JobRun::createOutput, &JobRun::setUpStreams, &JobRun::beginOutput}) {
         if (const Step result = (this->*step)(); result != Step::Continue) {
             return result;
         }
@@ -123,13 +145,7 @@ Step JobRun::openInput() {
     if (input_->open() < 0 || input_->readStreamInfo() < 0 || input_->openVideoDecoder() < 0) {
         return Step::InputFailed;
     }
-    input_->openAudioDecoder(); // sound that cannot be decoded can still be copied
-    if (input_->videoDecoder() != nullptr) {
-        decoderDelay_ = input_->videoDecoder()->has_b_frames;
-    }
-    if (!job_.reencodes) {
-        input_->closeDecoders(); // a copy only has to know that they open
-    }
+    input_->openAudioDecoder(); // it may fail
     return Step::Continue;
 }
 
@@ -148,60 +164,20 @@ Step JobRun::createOutput() {
     return Step::Continue;
 }
 
-Step JobRun::setUpVideo() {
-    AVStream* source = input_->videoStream();
-    if (source == nullptr) {
-        return Step::Continue;
+Step JobRun::setUpStreams() {
+    int result = 0;
+    if (input_->videoStream() != nullptr) {
+        result = conversion_->setUpVideo(*input_, *output_, isFirst(), video_);
     }
-    const int delay = displayDelay(*input_->container(), *source, decoderDelay_, output_->format());
-    if (isFirst()) {
-        const AVRational rate = correctedFrameRate(source->r_frame_rate);
-        if (rate.num <= 0 || rate.den <= 0) {
-            av_log(nullptr, AV_LOG_ERROR, "%s: no frame rate\n", input_->path().c_str());
-            return Step::InputFailed;
-        }
-        OutputStream* added = output_->addVideoStream(av_inv_q(rate));
-        if (added == nullptr || copyParameters(*source, *added) < 0) {
-            return Step::InputFailed;
-        }
-        added->displayDelay = delay;
+    if (result >= 0 && input_->audioStream() != nullptr) {
+        result = conversion_->setUpAudio(*input_, *output_, isFirst(), audio_);
     }
-    OutputStream* target = output_->videoStream();
-    if (target == nullptr) {
-        return Step::InputFailed;
-    }
-    auto copier = std::make_unique<VideoCopier>(*output_, *target);
-    const int opened = copier->open(*source, delay);
-    video_ = std::move(copier);
-    return opened < 0 ? Step::InputFailed : Step::Continue;
-}
-
-Step JobRun::setUpAudio() {
-    AVStream* source = input_->audioStream();
-    if (source == nullptr) {
-        return Step::Continue;
-    }
-    if (isFirst()) {
-        OutputStream* added = output_->addAudioStream({1, source->codecpar->sample_rate});
-        if (added == nullptr || copyParameters(*source, *added) < 0) {
-            return Step::InputFailed;
-        }
-    }
-    OutputStream* target = output_->audioStream();
-    if (target == nullptr) {
-        return Step::InputFailed;
-    }
-    audio_ = std::make_unique<AudioCopier>(*output_, *target, *source);
-    return Step::Continue;
-}
-
-int JobRun::copyParameters(AVStream& source, OutputStream& target) {
-    const int result =
-        copyStreamParameters(*input_->container(), source, output_->format(), *target.stream);
     if (result < 0) {
-        logFailure(input_->path(), "copy stream parameters", result);
+        logFailure(input_->path(), "set up streams", result);
+        return Step::InputFailed;
     }
-    return result;
+    conversion_->setUpDone(*input_);
+    return Step::Continue;
 }
 
 Step JobRun::beginOutput() {
@@ -236,20 +212,53 @@ void JobRun::seekToStart() {
 }
 
 void JobRun::handlePackets() {
+    due_.clear();
+    inputEnded_ = false;
     for (;;) {
-        PacketHandle packet(av_packet_alloc());
-        if (packet == nullptr) {
-            goesOn(PacketOutcome::FailedEnd);
-            return;
+        while (due_.size() < conversion_->readAhead() && isSureToBeHandled() && readPacket()) {
+            prepareLast();
         }
-        if (input_->read(*packet) < 0 || isStopped() || reachedEnd()) {
+        const bool prepared = !due_.empty();
+        if ((!prepared && !readPacket()) || isStopped() || reachedEnd()) {
             return;
         }
         updatePercent();
-        PacketHandler* handler = handlerOf(*packet);
-        if (handler != nullptr && !goesOn(handler->handle(std::move(packet)))) {
+        if (!prepared) {
+            prepareLast();
+        }
+        PacketHandler* handler = due_.front().handler;
+        due_.pop_front();
+        if (handler != nullptr && !goesOn(handler->handle())) {
             return;
         }
+    }
+}
+
+/// Whether the packet after those that are due will be handled, however many pictures come of them:
+/// a cut may end before. What is prepared in vain would leave the decoder in another state.
+bool JobRun::isSureToBeHandled() {
+    if (job_.joins) {
+        return true;
+    }
+    const auto mostPictures = static_cast<std::int64_t>(2 * due_.size() + kSpareUnits);
+    return output_->videoSecondsAfter(mostPictures) < job_.spanSeconds[index_];
+}
+
+bool JobRun::readPacket() {
+    PacketHandle packet(av_packet_alloc());
+    if (inputEnded_ || packet == nullptr || input_->read(*packet) < 0) {
+        inputEnded_ = true;
+        return false;
+    }
+    PacketHandler* handler = handlerOf(*packet);
+    due_.push_back({std::move(packet), handler});
+    return true;
+}
+
+void JobRun::prepareLast() {
+    DuePacket& last = due_.back();
+    if (last.handler != nullptr) {
+        last.handler->prepare(std::move(last.packet));
     }
 }
 
@@ -284,7 +293,7 @@ bool JobRun::goesOn(PacketOutcome outcome) {
 }
 
 void JobRun::finishHandlers() {
-    for (const auto& handler : {video_.get(), audio_.get()}) {
+    for (PacketHandler* handler : {audio_.get(), video_.get()}) {
         if (handler != nullptr) {
             goesOn(handler->finish());
         }

@@ -90,9 +90,12 @@ void copyTags(const AVStream& source, AVStream& output) {
     }
 }
 
-int copySideData(const AVStream& source, AVStream& output) {
+int copySideData(const AVStream& source, AVStream& output, bool onlyDisplayMatrix) {
     for (int i = 0; i < source.nb_side_data; ++i) {
         const AVPacketSideData& from = source.side_data[i];
+        if (onlyDisplayMatrix && from.type != AV_PKT_DATA_DISPLAYMATRIX) {
+            continue;
+        }
         std::uint8_t* data = av_stream_new_side_data(&output, from.type, from.size);
         if (data == nullptr) {
             return AVERROR(ENOMEM);
@@ -128,7 +131,7 @@ int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutpu
                                          filter != nullptr ? filter->par_out : source.codecpar);
     }
     if (result >= 0) {
-        result = copySideData(source, output);
+        result = copySideData(source, output, false);
     }
     if (result < 0) {
         return result;
@@ -149,6 +152,12 @@ int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutpu
     output.disposition = source.disposition;
     copyTags(source, output);
     return 0;
+}
+
+int copyStreamDescription(const AVStream& source, AVStream& output) {
+    output.disposition = source.disposition;
+    copyTags(source, output);
+    return copySideData(source, output, true);
 }
 
 void copyFileTags(const AVFormatContext& input, AVDictionary** tags) {
@@ -183,7 +192,9 @@ int VideoCopier::open(const AVStream& source, int delay) {
     return openStartCodeFilter(source, output_.format(), filter_);
 }
 
-PacketOutcome VideoCopier::handle(PacketHandle packet) {
+PacketOutcome VideoCopier::handle() {
+    PacketHandle packet = std::move(prepared_.front());
+    prepared_.pop_front();
     if (filter_ == nullptr || packet->size == 0) {
         return number(std::move(packet));
     }
@@ -254,7 +265,9 @@ PacketOutcome VideoCopier::write(AVPacket& packet, std::int64_t pts, std::int64_
 AudioCopier::AudioCopier(OutputMedia& output, OutputStream& stream, const AVStream& source)
     : output_(output), stream_(stream), source_(source) {}
 
-PacketOutcome AudioCopier::handle(PacketHandle packet) {
+PacketOutcome AudioCopier::handle() {
+    const PacketHandle packet = std::move(prepared_.front());
+    prepared_.pop_front();
     if (packet->size == 0) {
         return PacketOutcome::Done;
     }

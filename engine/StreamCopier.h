@@ -4,7 +4,9 @@
 #include "PacketHandler.h"
 #include "PictureOrder.h"
 
+#include <deque>
 #include <optional>
+#include <utility>
 
 namespace velmora {
 
@@ -13,6 +15,10 @@ namespace velmora {
 /// 0 or a negative libav error code.
 int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutputFormat& format,
                          AVStream& output);
+
+/// Gives `output` what belongs to the stream whatever its encoding: language and titles, the
+/// disposition, and how its pictures are turned. 0 or a negative libav error code.
+int copyStreamDescription(const AVStream& source, AVStream& output);
 
 /// Copies the tags that tell of the whole file, other than those of its container.
 void copyFileTags(const AVFormatContext& input, AVDictionary** tags);
@@ -31,7 +37,8 @@ public:
     /// `delay`: the input's display delay. 0 or a negative libav error code.
     int open(const AVStream& source, int delay);
 
-    PacketOutcome handle(PacketHandle packet) override;
+    void prepare(PacketHandle packet) override { prepared_.push_back(std::move(packet)); }
+    PacketOutcome handle() override;
     PacketOutcome finish() override;
 
 private:
@@ -41,6 +48,7 @@ private:
 
     OutputMedia& output_;
     OutputStream& stream_;
+    std::deque<PacketHandle> prepared_;
     BitstreamFilterHandle filter_; ///< null: packets go as they are
     std::optional<PictureOrder> order_;
     std::int64_t displayStart_ = 0; ///< the slot in which the input's first picture is shown
@@ -52,7 +60,8 @@ class AudioCopier : public PacketHandler {
 public:
     AudioCopier(OutputMedia& output, OutputStream& stream, const AVStream& source);
 
-    PacketOutcome handle(PacketHandle packet) override;
+    void prepare(PacketHandle packet) override { prepared_.push_back(std::move(packet)); }
+    PacketOutcome handle() override;
     PacketOutcome finish() override { return PacketOutcome::Done; }
 
 private:
@@ -61,6 +70,7 @@ private:
     OutputMedia& output_;
     OutputStream& stream_;
     const AVStream& source_;
+    std::deque<PacketHandle> prepared_;
 };
 
 } // namespace velmora

@@ -2,6 +2,8 @@
 // program's driver does and prints one JSON object.
 
 #include "ConversionEngine.h"
+#include "ParseNumber.h"
+#include "ReencodeSettings.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -9,7 +11,7 @@ extern "C" {
 
 #include <nlohmann/json.hpp>
 
-#include <charconv>
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
@@ -39,22 +41,15 @@ using Arguments = std::span<char*>;
 constexpr std::string_view kUsageText = R"(usage:
   velmora-engine probe FILE
   velmora-engine snapshot FILE SECONDS OUT.bmp [--repeat N]
-  velmora-engine cut FILE START END OUT
-  velmora-engine join OUT FILE FILE...
+  velmora-engine cut FILE START END OUT [--reencode SETTING...]
+  velmora-engine join OUT FILE FILE... [--reencode SETTING...]
+settings, with their defaults:
+  vcodec=H264 vbitrate=2000 size=1280x720 fps=0 acodec=AAC abitrate=128 rate=44100 channels=2
 )";
 
 int usage() {
     std::cerr << kUsageText;
     return kUsage;
-}
-
-template <typename Number> std::optional<Number> parse(std::string_view text) {
-    Number value{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    return value;
 }
 
 void print(const json& object) {
@@ -95,8 +90,8 @@ int snapshot(Arguments arguments) {
     if (arguments.size() != 3 && !repeats) {
         return usage();
     }
-    const auto start = parse<double>(arguments[1]);
-    const auto count = repeats ? parse<int>(arguments[4]) : 1;
+    const auto start = parseNumber<double>(arguments[1]);
+    const auto count = repeats ? parseNumber<int>(arguments[4]) : 1;
     if (!start || !count || *count < 1) {
         return usage();
     }
@@ -141,12 +136,15 @@ void reportProgress(const ConversionEngine& engine, const std::stop_token& ended
 }
 
 /// Runs the job in the table and prints how it ended.
-int runJob(ConversionEngine& engine, bool joins) {
+int runJob(ConversionEngine& engine, bool joins, const std::optional<ReencodeSettings>& settings) {
+    if (settings) {
+        settings->store(engine); // after the probes, which put the sources' values there
+    }
+    engine.reencode = settings ? 1 : 0;
     engine.currentIndex = -1;
     engine.stopRequested = 0;
     engine.currentPercent = 0;
     engine.joinMode = joins ? 1 : 0;
-    engine.reencode = 0;
     std::signal(SIGINT, requestStop);
     {
         const std::jthread progress(
@@ -181,21 +179,44 @@ void allocateTable(ConversionEngine& engine, Arguments inputs, const char* outpu
     }
 }
 
+/// What a job's arguments say: files and times, and how to re-encode, if at all.
+struct JobArguments {
+    Arguments plain;
+    std::optional<ReencodeSettings> settings;
+};
+
+/// Nothing when a setting cannot be used.
+std::optional<JobArguments> split(Arguments arguments) {
+    const auto option = std::ranges::find(arguments, std::string_view("--reencode"));
+    if (option == arguments.end()) {
+        return JobArguments{arguments, std::nullopt};
+    }
+    ReencodeSettings settings;
+    for (auto setting = option + 1; setting != arguments.end(); ++setting) {
+        if (!settings.set(*setting)) {
+            std::cerr << "cannot be used: " << *setting << '\n';
+            return std::nullopt;
+        }
+    }
+    return JobArguments{Arguments(arguments.begin(), option), settings};
+}
+
 int cut(Arguments arguments) {
-    if (arguments.size() != 4) {
+    const auto job = split(arguments);
+    if (!job || job->plain.size() != 4) {
         return usage();
     }
-    const auto start = parse<double>(arguments[1]);
-    const auto end = parse<double>(arguments[2]);
+    const auto start = parseNumber<double>(job->plain[1]);
+    const auto end = parseNumber<double>(job->plain[2]);
     if (!start || !end) {
         return usage();
     }
     ConversionEngine& engine = ConversionEngine::instance();
-    allocateTable(engine, arguments.first(1), arguments[3]);
+    allocateTable(engine, job->plain.first(1), job->plain[3]);
     engine.startTimes[0] = *start;
     engine.endTimes[0] = *end;
     engine.spans[0] = *end - *start;
-    return runJob(engine, false);
+    return runJob(engine, false, job->settings);
 }
 
 /// The length of a file in seconds, as the joiner's list holds it; 0 when it cannot be told.
@@ -207,12 +228,13 @@ float lengthOf(ConversionEngine& engine, const char* path) {
 }
 
 int join(Arguments arguments) {
-    if (arguments.size() < 2 || arguments.size() > ConversionEngine::kMaxInputs + 1) {
+    const auto job = split(arguments);
+    if (!job || job->plain.size() < 2 || job->plain.size() > ConversionEngine::kMaxInputs + 1) {
         return usage();
     }
-    const Arguments inputs = arguments.subspan(1);
+    const Arguments inputs = job->plain.subspan(1);
     ConversionEngine& engine = ConversionEngine::instance();
-    allocateTable(engine, inputs, arguments[0]);
+    allocateTable(engine, inputs, job->plain[0]);
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         constexpr float unit = 1000.0F; // the list of a join counts seconds where a cut's counts ms
         engine.startTimes[i] = 0.0;
@@ -220,7 +242,7 @@ int join(Arguments arguments) {
         engine.joinTotalMs =
             static_cast<std::int32_t>(engine.joinTotalMs + engine.endTimes[i] * unit);
     }
-    return runJob(engine, true);
+    return runJob(engine, true, job->settings);
 }
 
 int command(Arguments arguments) {

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "AvHandles.h"
+#include "OutputSettings.h"
+
+extern "C" {
+#include <libavutil/audio_fifo.h>
+}
+
+#include <vector>
+
+namespace velmora {
+
+using AudioFifoHandle = std::unique_ptr<AVAudioFifo, FreeByPointer<av_audio_fifo_free>>;
+
+/// Encodes sound in chunks of the encoder's frame size. Belongs to one input: an encoder that has
+/// been drained takes no more.
+class AudioEncoder {
+public:
+    /// 0 or a negative libav error code: no such encoder, or one that refuses the settings.
+    int open(const AudioSettings& settings, const AVOutputFormat& format);
+
+    const AVCodecContext& context() const { return *encoder_; }
+    /// Puts what the muxer has to know into `parameters`. 0 or a negative libav error code.
+    int describe(AVCodecParameters& parameters) const;
+
+    /// Queues samples in the encoder's format. 0 or a negative libav error code.
+    int queue(const AVFrame& samples);
+    bool hasWholeChunk() const;
+    bool isEmpty() const;
+
+    /// Encodes the next chunk of the queue; what the queue does not fill is silence. Packets are
+    /// stamped by the count of samples since `open`, in the encoder's time base.
+    std::vector<PacketHandle> encodeChunk();
+    /// What the encoder still holds. Nothing can be encoded afterwards.
+    std::vector<PacketHandle> drain();
+
+private:
+    std::vector<PacketHandle> receive();
+    int frameSize() const;
+
+    CodecContextHandle encoder_;
+    AudioFifoHandle queue_;
+    std::int64_t samples_ = 0; ///< given to the encoder
+};
+
+} // namespace velmora

@@ -1,0 +1,183 @@
+#include "AudioTranscoder.h"
+
+#include "EngineLog.h"
+
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora {
+namespace {
+
+/// A frame whose layout is not known has the usual one for its number of channels.
+ChannelLayout layoutOf(const AVFrame& sound) {
+    ChannelLayout layout;
+    if (sound.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
+        av_channel_layout_default(layout.get(), sound.ch_layout.nb_channels);
+    } else {
+        av_channel_layout_copy(layout.get(), &sound.ch_layout);
+    }
+    return layout;
+}
+
+} // namespace
+
+AudioTranscoder::AudioTranscoder(OutputMedia& output, OutputStream& stream, AVCodecContext& decoder,
+                                 AudioEncoder encoder, Timing timing)
+    : output_(output), stream_(stream), decoder_(decoder), encoder_(std::move(encoder)),
+      stampsBySamples_(timing == Timing::Cut || encoder_.context().codec_id == AV_CODEC_ID_VORBIS),
+      // Only a cut counts anew: in a join, sound that starts at 0 again would be refused.
+      firstSample_(timing == Timing::Cut ? 0 : stream.clock.units()) {}
+
+PacketOutcome AudioTranscoder::handle() {
+    const PacketHandle packet = std::move(prepared_.front());
+    prepared_.pop_front();
+    if (packet->size == 0) { // would be taken for the end of the stream
+        return PacketOutcome::Done;
+    }
+    avcodec_send_packet(&decoder_, packet.get()); // damaged sound is left out
+    auto outcome = PacketOutcome::Done;
+    const FrameHandle sound(av_frame_alloc());
+    while (outcome == PacketOutcome::Done && sound != nullptr &&
+           avcodec_receive_frame(&decoder_, sound.get()) >= 0) {
+        outcome = take(*sound);
+    }
+    return outcome;
+}
+
+PacketOutcome AudioTranscoder::take(const AVFrame& sound) {
+    if (prepareResampler(sound) < 0) {
+        return PacketOutcome::FailedEnd;
+    }
+    if (resampler_ == nullptr) {
+        encoder_.queue(sound);
+    } else {
+        const FrameHandle converted = resampled(sound);
+        if (converted == nullptr) {
+            return PacketOutcome::FailedEnd;
+        }
+        encoder_.queue(*converted);
+    }
+    return encodeWholeChunks();
+}
+
+// Sound may change its format in mid-stream, so every frame is asked.
+int AudioTranscoder::prepareResampler(const AVFrame& sound) {
+    const AVCodecContext& target = encoder_.context();
+    const ChannelLayout layout = layoutOf(sound);
+    if (sound.sample_rate == inputRate_ && sound.format == inputFormat_ && layout == inputLayout_) {
+        return 0;
+    }
+    inputRate_ = sound.sample_rate;
+    inputFormat_ = sound.format;
+    inputLayout_ = layout;
+    resampler_.reset();
+    if (sound.sample_rate == target.sample_rate && sound.format == target.sample_fmt &&
+        layout.channels() == target.ch_layout.nb_channels) {
+        return 0;
+    }
+    AVChannelLayout from = *layout.get();
+    AVChannelLayout to = target.ch_layout;
+    SwrContext* context = nullptr;
+    int result = swr_alloc_set_opts2(&context, &to, target.sample_fmt, target.sample_rate, &from,
+                                     static_cast<AVSampleFormat>(sound.format), sound.sample_rate,
+                                     0, nullptr);
+    resampler_.reset(context);
+    if (result >= 0) {
+        result = swr_init(resampler_.get());
+    }
+    if (result < 0) {
+        logFailure("sound", "resample", result);
+    }
+    return result;
+}
+
+FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
+    const AVCodecContext& target = encoder_.context();
+    FrameHandle converted(av_frame_alloc());
+    if (converted == nullptr) {
+        return nullptr;
+    }
+    const std::int64_t waiting = swr_get_delay(resampler_.get(), sound.sample_rate);
+    converted->nb_samples = static_cast<int>(av_rescale_rnd(
+        waiting + sound.nb_samples, target.sample_rate, sound.sample_rate, AV_ROUND_UP));
+    converted->format = target.sample_fmt;
+    converted->sample_rate = target.sample_rate;
+    if (av_channel_layout_copy(&converted->ch_layout, &target.ch_layout) < 0 ||
+        av_frame_get_buffer(converted.get(), 0) < 0) {
+        return nullptr;
+    }
+    const bool planar = av_sample_fmt_is_planar(static_cast<AVSampleFormat>(sound.format)) != 0;
+    const int planes = planar ? sound.ch_layout.nb_channels : 1;
+    std::vector<const std::uint8_t*> from(sound.extended_data, sound.extended_data + planes);
+    const int count = swr_convert(resampler_.get(), converted->extended_data, converted->nb_samples,
+                                  from.data(), sound.nb_samples);
+    converted->nb_samples = std::max(count, 0);
+    return converted;
+}
+
+PacketOutcome AudioTranscoder::encodeWholeChunks() {
+    while (encoder_.hasWholeChunk()) {
+        const auto outcome = write(encoder_.encodeChunk());
+        if (outcome != PacketOutcome::Done) {
+            return outcome;
+        }
+    }
+    return PacketOutcome::Done;
+}
+
+PacketOutcome AudioTranscoder::finish() {
+    prepared_.clear();
+    auto outcome = PacketOutcome::Done;
+    while (!encoder_.isEmpty()) {
+        outcome = std::max(outcome, write(encoder_.encodeChunk()));
+    }
+    return std::max(outcome, write(encoder_.drain()));
+}
+
+PacketOutcome AudioTranscoder::write(const std::vector<PacketHandle>& packets) {
+    for (const PacketHandle& packet : packets) {
+        if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
+            return outcome;
+        }
+    }
+    return PacketOutcome::Done;
+}
+
+PacketOutcome AudioTranscoder::write(AVPacket& packet) {
+    PacketClock& clock = stream_.clock;
+    int samples = av_get_audio_frame_duration2(stream_.stream->codecpar, packet.size);
+    if (packet.duration > 0) {
+        samples = static_cast<int>(packet.duration);
+    }
+    if (stampsBySamples_) {
+        stampBySamples(packet);
+    } else {
+        packet.dts = clock.ticks();
+    }
+    packet.pts = packet.dts;
+    const std::int64_t dts = packet.dts; // the muxer takes the packet
+    packet.duration = clock.ticksAt(clock.units() + samples) - clock.ticks();
+    av_packet_free_side_data(&packet);
+    if (output_.write(stream_, packet) < 0) {
+        return PacketOutcome::FailedGoOn;
+    }
+    clock.continueFrom(dts);
+    clock.advance(samples);
+    return PacketOutcome::Done;
+}
+
+void AudioTranscoder::stampBySamples(AVPacket& packet) const {
+    const PacketClock& clock = stream_.clock;
+    packet.dts =
+        av_rescale_q(packet.pts + firstSample_, encoder_.context().time_base, clock.timeBase());
+    // An encoder's first packets lie before its first sample, where a joined input has ended.
+    if (firstSample_ > 0) {
+        packet.dts = std::max(packet.dts, clock.ticks());
+    }
+}
+
+} // namespace velmora

@@ -1,0 +1,54 @@
+#include "DirectCopy.h"
+
+#include "FrameRate.h"
+#include "StreamCopier.h"
+
+namespace velmora {
+
+int DirectCopy::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
+                           std::unique_ptr<PacketHandler>& handler) {
+    AVStream& source = *input.videoStream();
+    const int delay = displayDelay(*input.container(), source, input.videoDecoder()->has_b_frames,
+                                   output.format());
+    if (isFirst) {
+        const AVRational rate = correctedFrameRate(source.r_frame_rate);
+        if (rate.num <= 0 || rate.den <= 0) {
+            av_log(nullptr, AV_LOG_ERROR, "%s: no frame rate\n", input.path().c_str());
+            return AVERROR_INVALIDDATA;
+        }
+        OutputStream* added = output.addVideoStream(av_inv_q(rate));
+        if (added == nullptr) {
+            return AVERROR(ENOMEM);
+        }
+        added->displayDelay = delay;
+        const int result =
+            copyStreamParameters(*input.container(), source, output.format(), *added->stream);
+        if (result < 0) {
+            return result;
+        }
+    }
+    auto copier = std::make_unique<VideoCopier>(output, *output.videoStream());
+    const int result = copier->open(source, delay);
+    handler = std::move(copier);
+    return result;
+}
+
+int DirectCopy::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
+                           std::unique_ptr<PacketHandler>& handler) {
+    AVStream& source = *input.audioStream();
+    if (isFirst) {
+        OutputStream* added = output.addAudioStream({1, source.codecpar->sample_rate});
+        const int result = added != nullptr ? copyStreamParameters(*input.container(), source,
+                                                                   output.format(), *added->stream)
+                                            : AVERROR(ENOMEM);
+        if (result < 0) {
+            return result;
+        }
+    } else if (output.audioStream() == nullptr) {
+        return AVERROR_STREAM_NOT_FOUND;
+    }
+    handler = std::make_unique<AudioCopier>(output, *output.audioStream(), source);
+    return 0;
+}
+
+} // namespace velmora

@@ -1,0 +1,136 @@
+#include "VideoTranscoder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora {
+
+VideoTranscoder::VideoTranscoder(OutputMedia& output, OutputStream& stream, AVCodecContext& decoder,
+                                 VideoEncoder& encoder, Timing timing)
+    : output_(output), stream_(stream), decoder_(decoder), encoder_(encoder), timing_(timing),
+      frameCounter_(stream.lastTicks) {}
+
+VideoTranscoder::~VideoTranscoder() {
+    dropPrepared();
+}
+
+void VideoTranscoder::prepare(PacketHandle packet) {
+    auto work = std::make_unique<Work>();
+    work->packet = std::move(packet);
+    submit(std::move(work));
+}
+
+PacketOutcome VideoTranscoder::handle() {
+    const auto work = awaitFirst();
+    if (!work->hadPicture) {
+        ++withoutPicture_;
+    }
+    return write(*work);
+}
+
+PacketOutcome VideoTranscoder::finish() {
+    dropPrepared();
+    auto draining = std::make_unique<Work>();
+    draining->maxPictures = withoutPicture_;
+    submit(std::move(draining));
+    return write(*awaitFirst());
+}
+
+void VideoTranscoder::submit(std::unique_ptr<Work> work) {
+    Work& submitted = *work;
+    works_.push_back(std::move(work));
+    decoding_.post([this, &submitted] {
+        decode(submitted);
+        encoding_.post([this, &submitted] {
+            encode(submitted);
+            submitted.done.set_value();
+        });
+    });
+}
+
+void VideoTranscoder::decode(Work& work) {
+    int maxPictures = work.maxPictures;
+    if (work.packet != nullptr) {
+        if (work.packet->size == 0) { // would be taken for the end of the stream
+            return;
+        }
+        constexpr int any = 1 << 16;
+        maxPictures = any;
+    }
+    avcodec_send_packet(&decoder_, work.packet.get()); // a damaged packet may still give a picture
+    work.packet.reset();
+    for (int i = 0; i < maxPictures; ++i) {
+        FrameHandle picture(av_frame_alloc());
+        if (picture == nullptr || avcodec_receive_frame(&decoder_, picture.get()) < 0) {
+            return;
+        }
+        work.hadPicture = true;
+        work.pictures.push_back(std::move(picture));
+    }
+}
+
+void VideoTranscoder::encode(Work& work) {
+    for (FrameHandle& picture : work.pictures) {
+        if (PacketHandle packet = encoder_.encode(*picture)) {
+            work.encoded.push_back(std::move(packet));
+        }
+        picture.reset();
+    }
+}
+
+std::unique_ptr<VideoTranscoder::Work> VideoTranscoder::awaitFirst() {
+    works_.front()->done.get_future().wait();
+    auto work = std::move(works_.front());
+    works_.pop_front();
+    return work;
+}
+
+void VideoTranscoder::dropPrepared() {
+    while (!works_.empty()) {
+        awaitFirst();
+    }
+}
+
+PacketOutcome VideoTranscoder::write(Work& work) {
+    for (const PacketHandle& packet : work.encoded) {
+        if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
+            return outcome;
+        }
+    }
+    return PacketOutcome::Done;
+}
+
+PacketOutcome VideoTranscoder::write(AVPacket& packet) {
+    PacketClock& clock = stream_.clock;
+    packet.flags &= AV_PKT_FLAG_KEY;
+    if (timing_ == Timing::Join) {
+        stampForJoin(packet);
+    } else {
+        packet.dts = clock.ticks();
+        packet.duration = clock.ticksAt(clock.units() + 1) - packet.dts;
+    }
+    packet.pts = packet.dts;
+    const std::int64_t dts = packet.dts; // the muxer takes the packet
+    if (output_.write(stream_, packet) < 0) {
+        return PacketOutcome::FailedEnd;
+    }
+    stream_.lastTicks = dts;
+    clock.continueFrom(dts);
+    clock.advance(1);
+    return PacketOutcome::Done;
+}
+
+void VideoTranscoder::stampForJoin(AVPacket& packet) {
+    const PacketClock& clock = stream_.clock;
+    const double ahead = output_.audioSeconds() - output_.videoSeconds();
+    std::int64_t increment = 1;
+    if (ahead > 0) {
+        const AVRational timeBase = clock.timeBase();
+        increment = static_cast<std::int64_t>(ahead * timeBase.den / timeBase.num + 1.0);
+    }
+    frameCounter_ += increment;
+    packet.dts = std::max(frameCounter_, clock.ticks());
+    packet.duration = increment;
+}
+
+} // namespace velmora

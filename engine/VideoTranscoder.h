@@ -1,0 +1,64 @@
+#pragma once
+
+#include "OutputMedia.h"
+#include "PacketHandler.h"
+#include "SerialWorker.h"
+#include "Timing.h"
+#include "VideoEncoder.h"
+
+#include <deque>
+#include <future>
+#include <memory>
+#include <vector>
+
+namespace velmora {
+
+/// Decodes the packets of one input's video stream, and encodes, stamps and writes the pictures.
+/// Decoding and encoding have a thread each; stamping and writing happen where `handle` is called,
+/// in the order of the packets, so that the result does not depend on how the threads run.
+class VideoTranscoder : public PacketHandler {
+public:
+    /// `decoder` and `encoder` are used on other threads until this object is gone.
+    VideoTranscoder(OutputMedia& output, OutputStream& stream, AVCodecContext& decoder,
+                    VideoEncoder& encoder, Timing timing);
+    VideoTranscoder(const VideoTranscoder&) = delete;
+    VideoTranscoder& operator=(const VideoTranscoder&) = delete;
+    ~VideoTranscoder() override;
+
+    void prepare(PacketHandle packet) override;
+    PacketOutcome handle() override;
+    PacketOutcome finish() override;
+
+private:
+    /// One packet, or the end of the stream, on its way through decoder and encoder.
+    struct Work {
+        PacketHandle packet; ///< null: drains the decoder
+        int maxPictures = 0; ///< when draining
+        std::vector<FrameHandle> pictures;
+        std::vector<PacketHandle> encoded;
+        bool hadPicture = false;
+        std::promise<void> done;
+    };
+
+    void submit(std::unique_ptr<Work> work);
+    void decode(Work& work);
+    void encode(Work& work);
+    std::unique_ptr<Work> awaitFirst();
+    void dropPrepared();
+    PacketOutcome write(Work& work);
+    PacketOutcome write(AVPacket& packet);
+    void stampForJoin(AVPacket& packet);
+
+    OutputMedia& output_;
+    OutputStream& stream_;
+    AVCodecContext& decoder_;
+    VideoEncoder& encoder_;
+    const Timing timing_;
+    int withoutPicture_ = 0;        ///< packets whose pictures the decoder may still hold
+    std::int64_t frameCounter_ = 0; ///< ticks
+    std::deque<std::unique_ptr<Work>> works_;
+    SerialWorker encoding_; ///< outlives decoding_, which posts to it
+    SerialWorker decoding_;
+};
+
+} // namespace velmora
