@@ -41,9 +41,12 @@ void VideoTranscoder::submit(std::unique_ptr<Work> work) {
     works_.push_back(std::move(work));
     decoding_.post([this, &submitted] {
         decode(submitted);
-        encoding_.post([this, &submitted] {
-            encode(submitted);
-            submitted.done.set_value();
+        scaling_.post([this, &submitted] {
+            scale(submitted);
+            encoding_.post([this, &submitted] {
+                encode(submitted);
+                submitted.done.set_value();
+            });
         });
     });
 }
@@ -69,13 +72,20 @@ void VideoTranscoder::decode(Work& work) {
     }
 }
 
-void VideoTranscoder::encode(Work& work) {
+void VideoTranscoder::scale(Work& work) {
     for (FrameHandle& picture : work.pictures) {
-        if (PacketHandle packet = encoder_.encode(*picture)) {
+        picture = scaler_.fit(*picture, encoder_.context());
+    }
+}
+
+void VideoTranscoder::encode(Work& work) {
+    for (const FrameHandle& frame : work.pictures) {
+        PacketHandle packet = frame != nullptr ? encoder_.encode(*frame) : nullptr;
+        if (packet != nullptr) {
             work.encoded.push_back(std::move(packet));
         }
-        picture.reset();
     }
+    work.pictures.clear();
 }
 
 std::unique_ptr<VideoTranscoder::Work> VideoTranscoder::awaitFirst() {

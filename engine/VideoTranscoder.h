@@ -2,6 +2,7 @@
 
 #include "OutputMedia.h"
 #include "PacketHandler.h"
+#include "PictureScaler.h"
 #include "SerialWorker.h"
 #include "Timing.h"
 #include "VideoEncoder.h"
@@ -14,8 +15,8 @@
 namespace velmora {
 
 /// Decodes the packets of one input's video stream, and encodes, stamps and writes the pictures.
-/// Decoding and encoding have a thread each; stamping and writing happen where `handle` is called,
-/// in the order of the packets, so that the result does not depend on how the threads run.
+/// Decoding, scaling and encoding have a thread each; stamping and writing happen where `handle` is
+/// called, in the order of the packets, so that the result does not depend on how the threads run.
 class VideoTranscoder : public PacketHandler {
 public:
     /// `decoder` and `encoder` are used on other threads until this object is gone.
@@ -32,9 +33,9 @@ public:
 private:
     /// One packet, or the end of the stream, on its way through decoder and encoder.
     struct Work {
-        PacketHandle packet; ///< null: drains the decoder
-        int maxPictures = 0; ///< when draining
-        std::vector<FrameHandle> pictures;
+        PacketHandle packet;               ///< null: drains the decoder
+        int maxPictures = 0;               ///< when draining
+        std::vector<FrameHandle> pictures; ///< as decoded, then as they are to be encoded
         std::vector<PacketHandle> encoded;
         bool hadPicture = false;
         std::promise<void> done;
@@ -42,6 +43,7 @@ private:
 
     void submit(std::unique_ptr<Work> work);
     void decode(Work& work);
+    void scale(Work& work);
     void encode(Work& work);
     std::unique_ptr<Work> awaitFirst();
     void dropPrepared();
@@ -57,7 +59,10 @@ private:
     int withoutPicture_ = 0;        ///< packets whose pictures the decoder may still hold
     std::int64_t frameCounter_ = 0; ///< ticks
     std::deque<std::unique_ptr<Work>> works_;
-    SerialWorker encoding_; ///< outlives decoding_, which posts to it
+    PictureScaler scaler_;
+    // Each posts to the one before it, which outlives it.
+    SerialWorker encoding_;
+    SerialWorker scaling_;
     SerialWorker decoding_;
 };
 
