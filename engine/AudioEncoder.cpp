@@ -96,17 +96,26 @@ bool AudioEncoder::isEmpty() const {
     return av_audio_fifo_size(queue_.get()) == 0;
 }
 
-std::vector<PacketHandle> AudioEncoder::encodeChunk() {
-    const FrameHandle chunk(av_frame_alloc());
+int AudioEncoder::encodeChunk(std::vector<PacketHandle>& packets) {
+    const FrameHandle chunk = takeChunk();
     if (chunk == nullptr) {
-        return {};
+        av_audio_fifo_reset(queue_.get());
+        return AVERROR(ENOMEM);
+    }
+    return encode(chunk.get(), packets);
+}
+
+FrameHandle AudioEncoder::takeChunk() {
+    FrameHandle chunk(av_frame_alloc());
+    if (chunk == nullptr) {
+        return nullptr;
     }
     chunk->nb_samples = frameSize();
     chunk->format = encoder_->sample_fmt;
     chunk->sample_rate = encoder_->sample_rate;
     if (av_channel_layout_copy(&chunk->ch_layout, &encoder_->ch_layout) < 0 ||
         av_frame_get_buffer(chunk.get(), 0) < 0) {
-        return {};
+        return nullptr;
     }
     const int read = av_audio_fifo_read(queue_.get(), planesOf(*chunk), frameSize());
     const int queued = std::max(read, 0);
@@ -114,24 +123,24 @@ std::vector<PacketHandle> AudioEncoder::encodeChunk() {
                            encoder_->ch_layout.nb_channels, encoder_->sample_fmt);
     chunk->pts = samples_;
     samples_ += frameSize();
-    avcodec_send_frame(encoder_.get(), chunk.get());
-    return receive();
+    return chunk;
 }
 
-std::vector<PacketHandle> AudioEncoder::drain() {
-    avcodec_send_frame(encoder_.get(), nullptr);
-    return receive();
+int AudioEncoder::drain(std::vector<PacketHandle>& packets) {
+    return encode(nullptr, packets);
 }
 
-std::vector<PacketHandle> AudioEncoder::receive() {
-    std::vector<PacketHandle> packets;
-    for (;;) {
+int AudioEncoder::encode(const AVFrame* chunk, std::vector<PacketHandle>& packets) {
+    int result = avcodec_send_frame(encoder_.get(), chunk);
+    while (result >= 0) {
         PacketHandle packet(av_packet_alloc());
-        if (packet == nullptr || avcodec_receive_packet(encoder_.get(), packet.get()) < 0) {
-            return packets;
+        result = packet != nullptr ? avcodec_receive_packet(encoder_.get(), packet.get())
+                                   : AVERROR(ENOMEM);
+        if (result >= 0) {
+            packets.push_back(std::move(packet));
         }
-        packets.push_back(std::move(packet));
     }
+    return result == AVERROR(EAGAIN) || result == AVERROR_EOF ? 0 : result;
 }
 
 int AudioEncoder::frameSize() const {

@@ -31,12 +31,14 @@ public:
 
     /// Encodes the next chunk of the queue; what the queue does not fill is silence. Packets are
     /// stamped by the count of samples since `open`, in the encoder's time base.
-    std::vector<PacketHandle> encodeChunk();
-    /// What the encoder still holds. Nothing can be encoded afterwards.
-    std::vector<PacketHandle> drain();
+    /// 0 or a negative libav error code; the chunk has left the queue in either case.
+    int encodeChunk(std::vector<PacketHandle>& packets);
+    /// What the encoder still holds. Nothing can be encoded afterwards. 0 or a negative code.
+    int drain(std::vector<PacketHandle>& packets);
 
 private:
-    std::vector<PacketHandle> receive();
+    FrameHandle takeChunk();
+    int encode(const AVFrame* chunk, std::vector<PacketHandle>& packets);
     int frameSize() const;
 
     CodecContextHandle encoder_;

@@ -1,6 +1,7 @@
 #include "AudioTranscoder.h"
 
 #include "EngineLog.h"
+#include "MediaLimits.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -21,6 +22,14 @@ ChannelLayout layoutOf(const AVFrame& sound) {
         av_channel_layout_copy(layout.get(), &sound.ch_layout);
     }
     return layout;
+}
+
+/// Sound that cannot be encoded fails the input, which is read to its end all the same.
+PacketOutcome outcomeOf(int result) {
+    if (result < 0) {
+        logFailure("sound", "encode", result);
+    }
+    return result < 0 ? PacketOutcome::FailedGoOn : PacketOutcome::Done;
 }
 
 } // namespace
@@ -53,15 +62,15 @@ PacketOutcome AudioTranscoder::take(const AVFrame& sound) {
         return PacketOutcome::FailedEnd;
     }
     if (resampler_ == nullptr) {
-        encoder_.queue(sound);
-    } else {
-        const FrameHandle converted = resampled(sound);
-        if (converted == nullptr) {
-            return PacketOutcome::FailedEnd;
-        }
-        encoder_.queue(*converted);
+        return queue(sound);
     }
-    return encodeWholeChunks();
+    const FrameHandle converted = resampled(sound);
+    return converted != nullptr ? queue(*converted) : PacketOutcome::FailedEnd;
+}
+
+PacketOutcome AudioTranscoder::queue(const AVFrame& sound) {
+    const auto outcome = outcomeOf(encoder_.queue(sound));
+    return std::max(outcome, encodeWholeChunks());
 }
 
 // Sound may change its format in mid-stream, so every frame is asked.
@@ -102,8 +111,13 @@ FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
         return nullptr;
     }
     const std::int64_t waiting = swr_get_delay(resampler_.get(), sound.sample_rate);
-    converted->nb_samples = static_cast<int>(av_rescale_rnd(
-        waiting + sound.nb_samples, target.sample_rate, sound.sample_rate, AV_ROUND_UP));
+    const std::int64_t room = av_rescale_rnd(waiting + sound.nb_samples, target.sample_rate,
+                                             sound.sample_rate, AV_ROUND_UP);
+    if (room <= 0 || room > kMaxSamplesPerFrame) {
+        logFailure("sound", "resample", AVERROR_INVALIDDATA);
+        return nullptr;
+    }
+    converted->nb_samples = static_cast<int>(room);
     converted->format = target.sample_fmt;
     converted->sample_rate = target.sample_rate;
     if (av_channel_layout_copy(&converted->ch_layout, &target.ch_layout) < 0 ||
@@ -121,21 +135,28 @@ FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
 
 PacketOutcome AudioTranscoder::encodeWholeChunks() {
     while (encoder_.hasWholeChunk()) {
-        const auto outcome = write(encoder_.encodeChunk());
-        if (outcome != PacketOutcome::Done) {
+        if (const auto outcome = encodeChunk(); outcome != PacketOutcome::Done) {
             return outcome;
         }
     }
     return PacketOutcome::Done;
 }
 
+PacketOutcome AudioTranscoder::encodeChunk() {
+    std::vector<PacketHandle> packets;
+    const int result = encoder_.encodeChunk(packets);
+    return std::max(write(packets), outcomeOf(result));
+}
+
 PacketOutcome AudioTranscoder::finish() {
     prepared_.clear();
     auto outcome = PacketOutcome::Done;
     while (!encoder_.isEmpty()) {
-        outcome = std::max(outcome, write(encoder_.encodeChunk()));
+        outcome = std::max(outcome, encodeChunk());
     }
-    return std::max(outcome, write(encoder_.drain()));
+    std::vector<PacketHandle> packets;
+    const int result = encoder_.drain(packets);
+    return std::max({outcome, write(packets), outcomeOf(result)});
 }
 
 PacketOutcome AudioTranscoder::write(const std::vector<PacketHandle>& packets) {

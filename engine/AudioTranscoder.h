@@ -33,7 +33,9 @@ private:
     PacketOutcome take(const AVFrame& sound);
     int prepareResampler(const AVFrame& sound);
     FrameHandle resampled(const AVFrame& sound);
+    PacketOutcome queue(const AVFrame& sound);
     PacketOutcome encodeWholeChunks();
+    PacketOutcome encodeChunk();
     PacketOutcome write(const std::vector<PacketHandle>& packets);
     PacketOutcome write(AVPacket& packet);
     void stampBySamples(AVPacket& packet) const;

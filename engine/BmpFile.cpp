@@ -101,9 +101,12 @@ void writeBmp(std::uint8_t* pixels, const std::string& path, int width, int heig
 void scaleToBmp(const std::string& path, AVCodecContext& decoder, const AVFrame& frame, int width,
                 int height) {
     // The frame's own size: the decoder may already know of a later picture's.
-    const ScalerHandle scaler(
-        sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), width,
-                       height, AV_PIX_FMT_BGR24, SWS_FAST_BILINEAR, nullptr, nullptr, nullptr));
+    const auto format = static_cast<AVPixelFormat>(frame.format);
+    const ScalerHandle scaler(format != AV_PIX_FMT_NONE
+                                  ? sws_getContext(frame.width, frame.height, format, width, height,
+                                                   AV_PIX_FMT_BGR24, SWS_FAST_BILINEAR, nullptr,
+                                                   nullptr, nullptr)
+                                  : nullptr);
     if (scaler == nullptr) {
         av_log(&decoder, AV_LOG_ERROR, "pictures of %d x %d cannot be scaled\n", frame.width,
                frame.height);

@@ -90,6 +90,8 @@ std::int32_t ConversionEngine::snapshot() {
     const bool inTable = index >= 0 && static_cast<std::size_t>(index) < kMaxInputs;
     double startSeconds = inTable ? startTimes[static_cast<std::size_t>(index)].load() : 0.0;
     const int result = snapshot_->take(probePath, startSeconds, snapshotPath);
+    videoStreamIndex = snapshot_->videoStreamIndex();
+    audioStreamIndex = snapshot_->audioStreamIndex();
     if (inTable) {
         startTimes[static_cast<std::size_t>(index)] = startSeconds;
     }

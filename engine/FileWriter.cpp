@@ -87,26 +87,36 @@ int FileWriter::close() {
     if (io_ != nullptr) {
         avio_flush(io_.get());
     }
-    if (thread_.joinable()) {
-        handOver();
-        {
-            const std::scoped_lock lock(mutex_);
-            ending_ = true;
-        }
-        changed_.notify_all();
-        thread_.join();
-    }
+    handOver();
+    abandon();
+    return error();
+}
+
+void FileWriter::abandon() {
+    endThread();
     if (reservedEnd_ > size_ && ftruncate(file_.get(), size_) != 0) {
         fail(errno);
     }
-    if (file_.close() != 0) {
+    if (file_.isOpen() && file_.close() != 0) {
         fail(errno);
     }
     if (created_ && !touched_) {
         std::remove(path_.c_str());
+        created_ = false;
     }
     io_.reset();
-    return error();
+}
+
+void FileWriter::endThread() {
+    if (!thread_.joinable()) {
+        return;
+    }
+    {
+        const std::scoped_lock lock(mutex_);
+        ending_ = true;
+    }
+    changed_.notify_all();
+    thread_.join();
 }
 
 int FileWriter::writePacket(void* opaque, std::uint8_t* buffer, int size) {
@@ -166,7 +176,7 @@ void FileWriter::append(const std::uint8_t* bytes, std::size_t size) {
 }
 
 void FileWriter::handOver() {
-    if (filling_.used == 0) {
+    if (filling_.used == 0 || !thread_.joinable()) {
         return;
     }
     {

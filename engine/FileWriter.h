@@ -39,6 +39,10 @@ public:
     /// since the file was opened.
     int close();
 
+    /// Closes the file without writing what is held. Where nothing has been written, it is as if it
+    /// had never been opened.
+    void abandon();
+
     /// The first failure so far, or 0.
     int error() const { return error_.load(); }
 
@@ -54,6 +58,7 @@ private:
 
     int createIo();
     int startThread();
+    void endThread();
     void append(const std::uint8_t* bytes, std::size_t size);
     void handOver();
     void writeChunks();

@@ -1,6 +1,7 @@
 #include "HeaderDecoder.h"
 
 #include "EngineLog.h"
+#include "MediaLimits.h"
 
 namespace velmora {
 namespace {
@@ -21,6 +22,7 @@ bool completeFromHeaders(AVCodecParameters& parameters, const AVPacket& packet) 
         return false;
     }
     decoder->get_buffer2 = refuseMemory;
+    decoder->max_pixels = kMaxPixels;
     if (avcodec_open2(decoder.get(), codec, nullptr) < 0) {
         return false;
     }

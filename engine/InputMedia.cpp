@@ -2,6 +2,11 @@
 
 #include "EngineLog.h"
 #include "HeaderDecoder.h"
+#include "MediaLimits.h"
+
+extern "C" {
+#include <libavutil/avstring.h>
+}
 
 #include <algorithm>
 #include <cmath>
@@ -134,6 +139,8 @@ int InputMedia::findStreamInfo() {
     }
     if (holdBack) {
         av_freep(static_cast<void*>(&container_->codec_whitelist));
+        // Matroska stores display times only.
+        guessesDecodingTimes_ = av_match_name("matroska", container_->iformat->name) != 0;
         readHeldBackParameters();
     }
     return result;
@@ -169,6 +176,9 @@ void InputMedia::readHeldBackParameters() {
         if (index < missing.size() && missing[index]) {
             AVCodecParameters& parameters = *container_->streams[index]->codecpar;
             missing[index] = !completeFromHeaders(parameters, *packet);
+        }
+        if (guessesDecodingTimes_) {
+            packet->dts = AV_NOPTS_VALUE;
         }
         lookahead_.push_back(std::move(packet));
     }
@@ -233,7 +243,11 @@ int InputMedia::read(AVPacket& packet) {
         lookahead_.pop_front();
         return 0;
     }
-    return av_read_frame(container_.get(), &packet);
+    const int result = av_read_frame(container_.get(), &packet);
+    if (result >= 0 && guessesDecodingTimes_) {
+        packet.dts = AV_NOPTS_VALUE;
+    }
+    return result;
 }
 
 int InputMedia::seek(double& startSeconds) {
@@ -245,7 +259,11 @@ int InputMedia::seek(double& startSeconds) {
         const std::int64_t timestamp = truncated(startSeconds * kMicrosecondsPerSecond);
         result = av_seek_frame(container_.get(), -1, timestamp, AVSEEK_FLAG_BACKWARD);
     }
-    if (result >= 0) {
+    const bool isRaw = (container_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
+    if (result < 0 && isRaw) { // the search has read to the end
+        av_seek_frame(container_.get(), -1, 0, AVSEEK_FLAG_BYTE);
+    }
+    if (result >= 0 || isRaw) {
         lookahead_.clear();
     }
     return result;

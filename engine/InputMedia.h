@@ -36,7 +36,8 @@ public:
     /// Goes to `startSeconds` on the input's own time line, counted from its first picture: to the
     /// key frame at or before it, or, in formats whose time line may jump, to the same fraction of
     /// the file as of the duration. In the first case the container's start time is added to
-    /// `startSeconds`. 0 or more, or a negative code; then the position is as it was.
+    /// `startSeconds`. 0 or more, or a negative code; raw streams, in which nothing can be found,
+    /// are then read from their beginning, others from wherever they are.
     int seek(double& startSeconds);
 
     /// From now on only packets of the video stream are read.
@@ -75,12 +76,10 @@ private:
     std::deque<PacketHandle> lookahead_; ///< read already, to be given out first
     int videoStreamIndex_ = -1;
     int audioStreamIndex_ = -1;
+    bool guessesDecodingTimes_ = false; ///< the library, without knowing the decoder's delay
 };
 
 /// A stream of pictures that follow each other in time, other than an attached picture.
 bool isVideoStream(const AVStream& stream);
-
-/// A hostile header can ask for any picture size; this allows four times the area of 8K video.
-constexpr std::int64_t kMaxPixels = std::int64_t{16384} * 8192;
 
 } // namespace velmora

@@ -13,12 +13,10 @@ std::string rowOf(const StringTable& table, std::size_t index) {
 } // namespace
 
 Job::Job(const ConversionEngine& engine)
-    : outputPath(rowOf(engine.outputPaths, 0)), video{.codec = static_cast<AVCodecID>(
-                                                          engine.videoCodecId),
-                                                      .bitRate = engine.videoBitRate,
-                                                      .width = engine.videoWidth,
-                                                      .height = engine.videoHeight,
-                                                      .frameRate = engine.videoFrameRate},
+    : video{.codec = static_cast<AVCodecID>(engine.videoCodecId),
+            .bitRate = engine.videoBitRate,
+            .width = engine.videoWidth,
+            .height = engine.videoHeight},
       audio{.codec = static_cast<AVCodecID>(engine.audioCodecId),
             .bitRate = engine.audioBitRate,
             .sampleRate = engine.audioSampleRate,
@@ -26,6 +24,7 @@ Job::Job(const ConversionEngine& engine)
       joins(engine.joinMode != 0), reencodes(engine.reencode != 0) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(engine.inputCount); ++i) {
         inputPaths.push_back(rowOf(engine.inputPaths, i));
+        outputPaths.push_back(rowOf(engine.outputPaths, i));
         startSeconds.push_back(engine.startTimes[i]);
         spanSeconds.push_back(joins ? engine.joinTotalMs : engine.spans[i].load());
     }

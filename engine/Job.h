@@ -17,9 +17,9 @@ struct Job {
     explicit Job(const ConversionEngine& engine);
 
     std::vector<std::string> inputPaths;
-    std::string outputPath;
-    std::vector<double> startSeconds; ///< per input
-    std::vector<double> spanSeconds;  ///< per input; in a join, of the whole job
+    std::vector<std::string> outputPaths; ///< per input; all is written to the first
+    std::vector<double> startSeconds;     ///< per input
+    std::vector<double> spanSeconds;      ///< per input; in a join, of the whole job
     VideoSettings video;
     AudioSettings audio;
     bool joins = false;     ///< else the inputs are cut

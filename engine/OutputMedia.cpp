@@ -15,16 +15,12 @@ bool isMatroska(const AVOutputFormat& format) {
 
 } // namespace
 
-int OutputMedia::create() {
-    const AVOutputFormat* format = av_guess_format(nullptr, path_.c_str(), nullptr);
-    int result = AVERROR_MUXER_NOT_FOUND;
-    if (format != nullptr) {
-        AVFormatContext* context = nullptr;
-        result = avformat_alloc_output_context2(&context, format, nullptr, path_.c_str());
-        context_.reset(context);
-    }
+int OutputMedia::create(const AVOutputFormat& format) {
+    AVFormatContext* context = nullptr;
+    const int result = avformat_alloc_output_context2(&context, &format, nullptr, path_.c_str());
+    context_.reset(context);
     if (result < 0) {
-        logFailure(path_, "choose container", result);
+        logFailure(path_, "create output", result);
     }
     return result;
 }
@@ -62,7 +58,7 @@ int OutputMedia::begin() {
     }
     if (result < 0) {
         logFailure(path_, "begin output", result);
-        file_.close();
+        file_.abandon();
         context_->pb = nullptr;
         return result;
     }

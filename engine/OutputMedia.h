@@ -17,6 +17,7 @@ struct OutputStream {
     AVRational unit{0, 1};      ///< seconds per frame or per sample
     std::int64_t lastTicks = 0; ///< of the last re-encoded picture written
     int displayDelay = 0;       ///< pictures; how far decoding runs ahead of display
+    int displayShift = 0;       ///< pictures; how much later than numbered they are shown
 };
 
 /// The one output of a job: the muxer, its streams and its file. Cannot be copied; belongs to one
@@ -28,8 +29,8 @@ public:
     OutputMedia& operator=(const OutputMedia&) = delete;
     ~OutputMedia() = default;
 
-    /// Chooses the container by the path's extension. 0 or a negative libav error code.
-    int create();
+    /// 0 or a negative libav error code.
+    int create(const AVOutputFormat& format);
     const AVOutputFormat& format() const { return *context_->oformat; }
     AVDictionary** tags() { return &context_->metadata; }
 

@@ -13,11 +13,11 @@ constexpr std::size_t kMaxReorder = 16;
 
 void PictureOrder::add(PacketHandle packet) {
     // Time that jumps back (a recording that was restarted) starts a new sequence.
-    if (packet->dts != AV_NOPTS_VALUE) {
-        if (lastDts_ != AV_NOPTS_VALUE && packet->dts < lastDts_) {
+    if ((packet->flags & AV_PKT_FLAG_KEY) != 0 && packet->pts != AV_NOPTS_VALUE) {
+        if (packet->pts < lastKeyTime_) {
             finish();
         }
-        lastDts_ = packet->dts;
+        lastKeyTime_ = packet->pts;
     }
     waiting_.push({displayTime(*packet), added_++});
     held_.push_back({std::move(packet), std::nullopt});

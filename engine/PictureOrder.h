@@ -50,7 +50,7 @@ private:
     std::uint64_t firstHeld_ = 0; ///< the number of held_.front()
     std::uint64_t added_ = 0;
     std::int64_t placed_ = 0;
-    std::int64_t lastDts_ = AV_NOPTS_VALUE;
+    std::int64_t lastKeyTime_ = AV_NOPTS_VALUE;
     std::int64_t lastTime_ = 0;
     std::priority_queue<Waiting, std::vector<Waiting>, std::greater<>> waiting_;
 };

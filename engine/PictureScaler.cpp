@@ -1,5 +1,12 @@
 #include "PictureScaler.h"
 
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <array>
+#include <utility>
+
 namespace velmora {
 namespace {
 
@@ -55,24 +62,39 @@ FrameHandle PictureScaler::scale(const AVFrame& picture, const AVCodecContext& e
 }
 
 bool PictureScaler::prepare(const AVFrame& picture, const AVCodecContext& encoder) {
-    const SwsContext* before = scaler_.get();
-    scaler_.reset(sws_getCachedContext(scaler_.release(), picture.width, picture.height,
-                                       static_cast<AVPixelFormat>(picture.format), encoder.width,
-                                       encoder.height, encoder.pix_fmt, SWS_BICUBIC, nullptr,
-                                       nullptr, nullptr));
+    const Source source{picture.width, picture.height, picture.format, isFullRange(picture)};
+    if (scaler_ != nullptr && source == source_) {
+        return true;
+    }
+    source_ = source;
+    scaler_.reset(sws_alloc_context());
     if (scaler_ == nullptr) {
-        av_log(nullptr, AV_LOG_ERROR, "pictures of %d x %d cannot be scaled to %d x %d\n",
-               picture.width, picture.height, encoder.width, encoder.height);
         return false;
     }
-    if (scaler_.get() != before || isFullRange(picture) != fromFullRange_) {
-        fromFullRange_ = isFullRange(picture);
-        // Full-range pictures are brought into the range that the output has; the matrix stays.
-        const int* matrix = sws_getCoefficients(picture.colorspace);
-        constexpr int neutral = 1 << 16;
-        sws_setColorspaceDetails(scaler_.get(), matrix, fromFullRange_ ? 1 : 0, matrix, 0, 0,
-                                 neutral, neutral);
+    const int fullRange = source.fullRange ? 1 : 0;
+    const std::array<std::pair<const char*, int>, 9> options = {{{"srcw", picture.width},
+                                                                 {"srch", picture.height},
+                                                                 {"src_format", picture.format},
+                                                                 {"src_range", fullRange},
+                                                                 {"dstw", encoder.width},
+                                                                 {"dsth", encoder.height},
+                                                                 {"dst_format", encoder.pix_fmt},
+                                                                 {"dst_range", 0},
+                                                                 {"sws_flags", SWS_BICUBIC}}};
+    for (const auto& [name, value] : options) {
+        av_opt_set_int(scaler_.get(), name, value, 0);
     }
+    if (sws_init_context(scaler_.get(), nullptr, nullptr) < 0) {
+        av_log(nullptr, AV_LOG_ERROR, "pictures of %d x %d cannot be scaled to %d x %d\n",
+               picture.width, picture.height, encoder.width, encoder.height);
+        scaler_.reset();
+        return false;
+    }
+    // Full-range pictures are brought into the range that the output has. The matrix matters where
+    // the source is RGB.
+    const int* matrix = sws_getCoefficients(encoder.colorspace);
+    constexpr int neutral = 1 << 16;
+    sws_setColorspaceDetails(scaler_.get(), matrix, fullRange, matrix, 0, 0, neutral, neutral);
     return true;
 }
 

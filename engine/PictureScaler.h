@@ -16,8 +16,18 @@ private:
     FrameHandle scale(const AVFrame& picture, const AVCodecContext& encoder);
     bool prepare(const AVFrame& picture, const AVCodecContext& encoder);
 
+    /// What the scaler was made for.
+    struct Source {
+        int width = 0;
+        int height = 0;
+        int format = AV_PIX_FMT_NONE;
+        bool fullRange = false;
+
+        bool operator==(const Source&) const = default;
+    };
+
     ScalerHandle scaler_;
-    bool fromFullRange_ = false; ///< how scaler_ reads pictures
+    Source source_;
 };
 
 } // namespace velmora

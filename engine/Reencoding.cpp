@@ -3,15 +3,25 @@
 #include "AudioTranscoder.h"
 #include "EngineLog.h"
 #include "FrameRate.h"
+#include "MediaLimits.h"
 #include "StreamCopier.h"
 #include "VideoTranscoder.h"
+
+#include <algorithm>
 
 namespace velmora {
 namespace {
 
 // Enough pictures on their way that decoder and encoder do not wait for each other, few enough that
 // their memory does not count.
-constexpr std::size_t kReadAhead = 16;
+constexpr std::int64_t kReadAhead = 16;
+
+std::size_t readAheadFor(const AVCodecContext& decoder) {
+    constexpr std::int64_t bytesPerPixel = 3; // decoded and scaled, 8 to 10 bits
+    const std::int64_t picture = bytesPerPixel * decoder.width * decoder.height;
+    return static_cast<std::size_t>(
+        std::clamp(kMaxPictureMemory / std::max(picture, INT64_C(1)), INT64_C(1), kReadAhead));
+}
 
 } // namespace
 
@@ -23,6 +33,7 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
             return result;
         }
     }
+    readAhead_ = readAheadFor(*input.videoDecoder());
     handler = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
                                                 *input.videoDecoder(), encoder_, timing_);
     return 0;
@@ -31,7 +42,7 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
 int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
     const AVStream& source = *input.videoStream();
     const AVRational rate = correctedFrameRate(source.r_frame_rate);
-    const AVRational duration = encodedFrameDuration(video_.frameRate, rate, video_.codec);
+    const AVRational duration = encodedFrameDuration(frameRate_, rate, video_.codec);
     if (duration.num <= 0 || duration.den <= 0) {
         return AVERROR_INVALIDDATA;
     }
@@ -71,10 +82,6 @@ int Reencoding::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
     handler = std::make_unique<AudioTranscoder>(output, *output.audioStream(),
                                                 *input.audioDecoder(), std::move(encoder), timing_);
     return 0;
-}
-
-std::size_t Reencoding::readAhead() const {
-    return kReadAhead;
 }
 
 } // namespace velmora

@@ -11,8 +11,10 @@ namespace velmora {
 /// inputs; each input has an audio encoder of its own.
 class Reencoding : public Conversion {
 public:
-    Reencoding(const VideoSettings& video, const AudioSettings& audio, Timing timing)
-        : video_(video), audio_(audio), timing_(timing) {}
+    /// `frameRate` becomes the source's where the settings ask for that.
+    Reencoding(const VideoSettings& video, const AudioSettings& audio, Timing timing,
+               double& frameRate)
+        : video_(video), audio_(audio), timing_(timing), frameRate_(frameRate) {}
 
     int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<PacketHandler>& handler) override;
@@ -20,15 +22,17 @@ public:
     int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<PacketHandler>& handler) override;
     void setUpDone(InputMedia& /*input*/) override {}
-    std::size_t readAhead() const override;
+    std::size_t readAhead() const override { return readAhead_; }
 
 private:
     int addVideo(InputMedia& input, OutputMedia& output);
 
-    VideoSettings video_;
+    const VideoSettings video_;
     const AudioSettings audio_;
     const Timing timing_;
+    double& frameRate_; ///< pictures per second; 0.0: as the source
     VideoEncoder encoder_;
+    std::size_t readAhead_ = 1;
 };
 
 } // namespace velmora

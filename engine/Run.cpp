@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -24,12 +25,12 @@ constexpr std::size_t kSpareUnits = 4;
 /// How the work on one input ended, or that it goes on.
 enum class Step { Continue, InputFailed, RunEnds };
 
-std::unique_ptr<Conversion> makeConversion(const Job& job) {
+std::unique_ptr<Conversion> makeConversion(const Job& job, double& frameRate) {
     if (!job.reencodes) {
         return std::make_unique<DirectCopy>();
     }
     const Timing timing = job.joins ? Timing::Join : Timing::Cut;
-    return std::make_unique<Reencoding>(job.video, job.audio, timing);
+    return std::make_unique<Reencoding>(job.video, job.audio, timing, frameRate);
 }
 
 /// Works through the inputs of one job. Owns what is open: the input in hand, until the next, and
@@ -38,7 +39,7 @@ class JobRun {
 public:
     explicit JobRun(ConversionEngine& engine)
         : engine_(engine), job_(engine), count_(job_.inputPaths.size()),
-          conversion_(makeConversion(job_)) {}
+          conversion_(makeConversion(job_, engine.videoFrameRate)) {}
 
     void execute();
 
@@ -150,11 +151,17 @@ Step JobRun::openInput() {
 }
 
 Step JobRun::createOutput() {
+    const std::string& path = job_.outputPaths[index_];
+    const AVOutputFormat* format = av_guess_format(nullptr, path.c_str(), nullptr);
+    if (format == nullptr) {
+        logFailure(path, "choose container", AVERROR_MUXER_NOT_FOUND);
+        return Step::InputFailed;
+    }
     if (!isFirst()) {
         return Step::Continue;
     }
-    output_.emplace(job_.outputPath);
-    if (output_->create() < 0) {
+    output_.emplace(path);
+    if (output_->create(*format) < 0) {
         return Step::InputFailed;
     }
     if (input_->videoStream() == nullptr) {
@@ -185,7 +192,7 @@ Step JobRun::beginOutput() {
         return Step::Continue;
     }
     if (outputIsAnInput()) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input\n", job_.outputPath.c_str());
+        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input\n", job_.outputPaths[0].c_str());
         return Step::InputFailed;
     }
     copyFileTags(*input_->container(), output_->tags());
@@ -193,7 +200,7 @@ Step JobRun::beginOutput() {
 }
 
 bool JobRun::outputIsAnInput() const {
-    const auto output = FileIdentity::ofPath(job_.outputPath);
+    const auto output = FileIdentity::ofPath(job_.outputPaths[0]);
     return output && std::ranges::any_of(job_.inputPaths, [&](const std::string& path) {
                const auto input = FileIdentity::ofPath(path);
                return input && input->isSameFile(*output);
@@ -315,6 +322,21 @@ void refuse(ConversionEngine& engine) {
     engine.currentIndex = engine.inputCount;
 }
 
+// Without memory or threads there is nothing to go on with.
+void execute(ConversionEngine& engine) {
+    try {
+        JobRun(engine).execute();
+    } catch (const std::exception& failure) {
+        av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());
+        for (std::int32_t i = 0; i < engine.inputCount; ++i) {
+            std::uint8_t pending = ConversionEngine::Pending;
+            engine.fileStates[static_cast<std::size_t>(i)].compare_exchange_strong(
+                pending, ConversionEngine::Failed);
+        }
+        engine.currentIndex = engine.inputCount;
+    }
+}
+
 } // namespace
 
 void run(ConversionEngine& engine) {
@@ -328,7 +350,7 @@ void run(ConversionEngine& engine) {
         engine.fileStates[static_cast<std::size_t>(i)] = ConversionEngine::Pending;
     }
     if (engine.inputCount > 0) {
-        JobRun(engine).execute();
+        execute(engine);
     }
 }
 

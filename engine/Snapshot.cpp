@@ -81,7 +81,13 @@ FrameHandle firstPictureOfKeyPacket(InputMedia& input) {
         return nullptr;
     }
     FrameHandle picture = decode(*input.videoDecoder(), key.get());
-    return picture != nullptr ? std::move(picture) : decode(*input.videoDecoder(), nullptr);
+    if (picture == nullptr) {
+        picture = decode(*input.videoDecoder(), nullptr);
+    }
+    // What is missing of a damaged picture is taken from those before it.
+    const bool isWhole = picture != nullptr && picture->decode_error_flags == 0 &&
+                         (picture->flags & AV_FRAME_FLAG_CORRUPT) == 0;
+    return isWhole ? std::move(picture) : nullptr;
 }
 
 } // namespace
@@ -107,8 +113,18 @@ int Snapshot::take(const std::string& path, double& startSeconds, const std::str
             written_ = {input_->identity(), *written, askedSeconds, startSeconds};
         }
     }
-    input_->closeDecoders();
+    if (input_ != nullptr) { // it may have had to be opened again
+        input_->closeDecoders();
+    }
     return result == AVERROR_DECODER_NOT_FOUND ? 0 : result;
+}
+
+int Snapshot::videoStreamIndex() const {
+    return input_ != nullptr ? input_->videoStreamIndex() : -1;
+}
+
+int Snapshot::audioStreamIndex() const {
+    return input_ != nullptr ? input_->audioStreamIndex() : -1;
 }
 
 int Snapshot::keepOrOpen(const std::string& path) {
@@ -162,11 +178,15 @@ int Snapshot::findPicture(double& startSeconds, FrameHandle& picture) {
 
 // Each picture gets a decoder of its own: one that has seen other pictures may show others.
 int Snapshot::goTo(double& startSeconds) {
-    if (startSeconds > 0) {
-        input_->seek(startSeconds); // where that fails, reading goes on from where it is
-    } else if (!atStart_) {
-        if (const int result = open(input_->path()); result < 0) {
+    const double askedSeconds = startSeconds;
+    const bool found = askedSeconds > 0 && input_->seek(startSeconds) >= 0;
+    if (!found && !atStart_) { // reading begins where the file does
+        if (const int result = open(std::string(input_->path())); result < 0) {
             return result;
+        }
+        if (askedSeconds > 0) {
+            startSeconds = askedSeconds;
+            input_->seek(startSeconds);
         }
     }
     atStart_ = false;

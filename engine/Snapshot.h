@@ -25,6 +25,10 @@ public:
     /// `startSeconds`.
     int take(const std::string& path, double& startSeconds, const std::string& picturePath);
 
+    /// Of the file that was opened last; -1: none.
+    int videoStreamIndex() const;
+    int audioStreamIndex() const;
+
 private:
     /// A picture that was written, and from what.
     struct Written {

@@ -5,6 +5,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace velmora {
@@ -82,6 +83,13 @@ std::uint32_t tagFor(const AVFormatContext& input, const AVCodecParameters& para
     return sameFamily && known ? sourceTag : 0;
 }
 
+/// Readers of these containers would not find the codec by another container's tag.
+bool knowsOwnTagsOnly(const AVOutputFormat& format, const AVCodecParameters& parameters) {
+    unsigned ownTag = 0;
+    return isOneOf(format, "asf,asf_stream") &&
+           av_codec_get_tag2(format.codec_tag, parameters.codec_id, &ownTag) == 0;
+}
+
 void copyTags(const AVStream& source, AVStream& output) {
     for (const char* key : {"language", "title", "handler_name"}) {
         if (const AVDictionaryEntry* tag = av_dict_get(source.metadata, key, nullptr, 0)) {
@@ -137,7 +145,10 @@ int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutpu
         return result;
     }
     AVCodecParameters& parameters = *output.codecpar;
-    parameters.codec_tag = filter != nullptr ? 0 : tagFor(input, *source.codecpar, format);
+    parameters.codec_tag = tagFor(input, *source.codecpar, format);
+    if (parameters.codec_tag != 0 && knowsOwnTagsOnly(format, parameters)) {
+        return AVERROR(ENOSYS);
+    }
     if (parameters.codec_type == AVMEDIA_TYPE_VIDEO) {
         if (parameters.bit_rate == 0) {
             parameters.bit_rate = kBitRateWhenUnknown;
@@ -179,16 +190,15 @@ int displayDelay(const AVFormatContext& input, const AVStream& source, int decod
 }
 
 VideoCopier::VideoCopier(OutputMedia& output, OutputStream& stream)
-    : output_(output), stream_(stream), displayStart_(stream.clock.units()),
-      written_(stream.clock.units()) {}
+    : output_(output), stream_(stream), start_(stream.clock.units()) {}
 
 int VideoCopier::open(const AVStream& source, int delay) {
     if (delay > 0) {
         order_.emplace();
-        // Where inputs before had a smaller delay, this one's pictures are shown that much later:
-        // no picture may be shown before it is decoded.
-        displayStart_ += std::max(0, delay - stream_.displayDelay);
     }
+    // No picture may be shown before it is decoded. Where the inputs before had a smaller delay,
+    // this one's pictures and all later ones are shown that much later.
+    stream_.displayShift = std::max(stream_.displayShift, delay - stream_.displayDelay);
     return openStartCodeFilter(source, output_.format(), filter_);
 }
 
@@ -222,7 +232,7 @@ PacketOutcome VideoCopier::number(PacketHandle packet) {
         order_->add(std::move(packet));
         return writePlaced();
     }
-    const auto outcome = write(*packet, clock.ticks(), clock.ticks());
+    const auto outcome = write(*packet, written_);
     if (outcome == PacketOutcome::Done) {
         clock.advance(1);
     }
@@ -239,10 +249,7 @@ PacketOutcome VideoCopier::finish() {
 
 PacketOutcome VideoCopier::writePlaced() {
     while (auto placed = order_->take()) {
-        const PacketClock& clock = stream_.clock;
-        const std::int64_t dts = clock.ticksAt(written_ - stream_.displayDelay);
-        const std::int64_t pts = clock.ticksAt(displayStart_ + placed->place);
-        const auto outcome = write(*placed->packet, std::max(pts, dts), dts);
+        const auto outcome = write(*placed->packet, placed->place);
         if (outcome != PacketOutcome::Done) {
             return outcome;
         }
@@ -250,12 +257,12 @@ PacketOutcome VideoCopier::writePlaced() {
     return PacketOutcome::Done;
 }
 
-PacketOutcome VideoCopier::write(AVPacket& packet, std::int64_t pts, std::int64_t dts) {
+PacketOutcome VideoCopier::write(AVPacket& packet, std::int64_t place) {
     const PacketClock& clock = stream_.clock;
-    packet.pts = pts;
-    packet.dts = dts;
-    packet.duration = clock.ticksAt(written_ + 1) - clock.ticksAt(written_);
-    ++written_;
+    const std::int64_t slot = start_ + written_++;
+    packet.dts = clock.ticksAt(slot - stream_.displayDelay);
+    packet.pts = std::max(clock.ticksAt(start_ + place + stream_.displayShift), packet.dts);
+    packet.duration = clock.ticksAt(slot + 1) - clock.ticksAt(slot);
     if (packet.size == 0) { // a dropped picture takes its time, but has nothing to be written
         return PacketOutcome::Done;
     }
@@ -283,12 +290,32 @@ PacketOutcome AudioCopier::handle() {
     return output_.fileError() < 0 ? PacketOutcome::FailedEnd : PacketOutcome::Done;
 }
 
-std::int64_t AudioCopier::samplesIn(const AVPacket& packet) const {
+std::int64_t AudioCopier::samplesIn(const AVPacket& packet) {
     const int byCodec = av_get_audio_frame_duration2(source_.codecpar, packet.size);
-    if (byCodec > 0) {
-        return byCodec;
+    return byCodec > 0 ? byCodec : samplesByTime(packet);
+}
+
+// A container's time stamps may be much coarser than a sample. Counting from the first packet to
+// the end of this one lets no error add up.
+std::int64_t AudioCopier::samplesByTime(const AVPacket& packet) {
+    const std::int64_t duration = toSamples(packet.duration);
+    std::int64_t samples = duration;
+    if (packet.pts != AV_NOPTS_VALUE) {
+        const std::int64_t counted = toSamples(packet.pts + packet.duration - timedFrom_);
+        samples = counted - timedSamples_;
+        const std::int64_t tolerance = 2 * toSamples(1) + 1;
+        if (timedFrom_ == AV_NOPTS_VALUE || std::abs(samples - duration) > tolerance) {
+            timedFrom_ = packet.pts; // the first packet, or one after a gap
+            timedSamples_ = 0;
+            samples = duration;
+        }
+        timedSamples_ += samples;
     }
-    return std::max(av_rescale_q(packet.duration, source_.time_base, stream_.unit), INT64_C(1));
+    return std::max(samples, INT64_C(1));
+}
+
+std::int64_t AudioCopier::toSamples(std::int64_t sourceTicks) const {
+    return av_rescale_q(sourceTicks, source_.time_base, stream_.unit);
 }
 
 } // namespace velmora

@@ -44,15 +44,15 @@ public:
 private:
     PacketOutcome number(PacketHandle packet);
     PacketOutcome writePlaced();
-    PacketOutcome write(AVPacket& packet, std::int64_t pts, std::int64_t dts);
+    PacketOutcome write(AVPacket& packet, std::int64_t place);
 
     OutputMedia& output_;
     OutputStream& stream_;
     std::deque<PacketHandle> prepared_;
     BitstreamFilterHandle filter_; ///< null: packets go as they are
     std::optional<PictureOrder> order_;
-    std::int64_t displayStart_ = 0; ///< the slot in which the input's first picture is shown
-    std::int64_t written_ = 0;      ///< the slot of the next packet, in coding order
+    const std::int64_t start_; ///< the slot of the input's first packet
+    std::int64_t written_ = 0; ///< packets of the input
 };
 
 /// Copies the packets of one input's audio stream, numbered by the output's clock.
@@ -65,11 +65,15 @@ public:
     PacketOutcome finish() override { return PacketOutcome::Done; }
 
 private:
-    std::int64_t samplesIn(const AVPacket& packet) const;
+    std::int64_t samplesIn(const AVPacket& packet);
+    std::int64_t samplesByTime(const AVPacket& packet);
+    std::int64_t toSamples(std::int64_t sourceTicks) const;
 
     OutputMedia& output_;
     OutputStream& stream_;
     const AVStream& source_;
+    std::int64_t timedFrom_ = AV_NOPTS_VALUE; ///< source ticks, where timedSamples_ began
+    std::int64_t timedSamples_ = 0;           ///< counted by time stamps since
     std::deque<PacketHandle> prepared_;
 };
 

@@ -2,6 +2,7 @@
 
 extern "C" {
 #include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
 }
 
 namespace velmora {
@@ -14,6 +15,19 @@ constexpr int kSliceThreads = 4;
 bool isOffered(AVCodecID codec) {
     return codec == AV_CODEC_ID_MPEG4 || codec == AV_CODEC_ID_FLV1 || codec == AV_CODEC_ID_WMV2 ||
            codec == AV_CODEC_ID_H264;
+}
+
+/// Pictures that come as red, green and blue get the matrix that is usual for their size.
+AVColorSpace matrixFor(const AVCodecParameters& source, int height) {
+    constexpr int leastHdHeight = 720;
+    const AVPixFmtDescriptor* format =
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(source.format));
+    const bool isRgb = source.color_space == AVCOL_SPC_RGB ||
+                       (format != nullptr && (format->flags & AV_PIX_FMT_FLAG_RGB) != 0);
+    if (!isRgb) {
+        return source.color_space;
+    }
+    return height >= leastHdHeight ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
 }
 
 void configureH264(AVCodecContext& encoder) {
@@ -63,7 +77,7 @@ void VideoEncoder::configure(const VideoSettings& settings, AVRational frameDura
     encoder_->color_range = AVCOL_RANGE_MPEG;
     encoder_->color_primaries = source.color_primaries;
     encoder_->color_trc = source.color_trc;
-    encoder_->colorspace = source.color_space;
+    encoder_->colorspace = matrixFor(source, settings.height);
     if (settings.codec == AV_CODEC_ID_H264) {
         configureH264(*encoder_);
     }
