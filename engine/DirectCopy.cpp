@@ -8,8 +8,6 @@ namespace velmora {
 int DirectCopy::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
                            std::unique_ptr<PacketHandler>& handler) {
     AVStream& source = *input.videoStream();
-    const int delay = displayDelay(*input.container(), source, input.videoDecoder()->has_b_frames,
-                                   output.format());
     if (isFirst) {
         const AVRational rate = correctedFrameRate(source.r_frame_rate);
         if (rate.num <= 0 || rate.den <= 0) {
@@ -20,7 +18,6 @@ int DirectCopy::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
         if (added == nullptr) {
             return AVERROR(ENOMEM);
         }
-        added->displayDelay = delay;
         const int result =
             copyStreamParameters(*input.container(), source, output.format(), *added->stream);
         if (result < 0) {
@@ -28,7 +25,7 @@ int DirectCopy::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
         }
     }
     auto copier = std::make_unique<VideoCopier>(output, *output.videoStream());
-    const int result = copier->open(source, delay);
+    const int result = copier->open(*input.container(), source, input.videoDecoder()->has_b_frames);
     handler = std::move(copier);
     return result;
 }

@@ -153,23 +153,26 @@ std::int64_t FileWriter::seek(void* opaque, std::int64_t offset, int whence) {
 
 void FileWriter::append(const std::uint8_t* bytes, std::size_t size) {
     while (size > 0) {
-        const auto end = filling_.offset + static_cast<std::int64_t>(filling_.used);
-        if (filling_.used > 0 && position_ != end) {
+        const auto used = static_cast<std::int64_t>(filling_.used);
+        // What is still held may be written again: a header whose length is filled in at its end.
+        if (position_ < filling_.offset || position_ > filling_.offset + used) {
             handOver();
         }
         if (filling_.used == 0) {
             filling_.offset = position_;
         }
         // Chunks end at multiples of their size, whatever was written before.
-        const auto intoChunk = static_cast<std::size_t>(position_) % kChunkBytes;
-        const std::size_t count = std::min(size, kChunkBytes - intoChunk);
-        std::copy_n(bytes, count, filling_.bytes.data() + filling_.used);
-        filling_.used += count;
+        const auto start = static_cast<std::size_t>(position_ - filling_.offset);
+        const std::size_t capacity =
+            kChunkBytes - static_cast<std::size_t>(filling_.offset) % kChunkBytes;
+        const std::size_t count = std::min(size, capacity - start);
+        std::copy_n(bytes, count, filling_.bytes.data() + start);
+        filling_.used = std::max(filling_.used, start + count);
         position_ += static_cast<std::int64_t>(count);
         size_ = std::max(size_, position_);
         bytes += count;
         size -= count;
-        if (intoChunk + count == kChunkBytes) {
+        if (start + count == capacity) {
             handOver();
         }
     }

@@ -1,5 +1,6 @@
 #include "PictureOrder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace velmora {
@@ -27,13 +28,27 @@ void PictureOrder::add(PacketHandle packet) {
 }
 
 std::optional<PictureOrder::Placed> PictureOrder::take() {
-    if (held_.empty() || !held_.front().place) {
+    if (!canTake()) {
         return std::nullopt;
     }
     Placed placed{std::move(held_.front().packet), *held_.front().place};
     held_.pop_front();
     ++firstHeld_;
     return placed;
+}
+
+int PictureOrder::delay() const {
+    std::int64_t delay = 0;
+    for (std::size_t i = 0; i < held_.size(); ++i) {
+        const auto number = static_cast<std::int64_t>(firstHeld_ + i);
+        delay = std::max(delay, number - held_[i].place.value_or(number));
+    }
+    auto waiting = waiting_;
+    for (std::int64_t place = placed_; !waiting.empty(); ++place) {
+        delay = std::max(delay, static_cast<std::int64_t>(waiting.top().number) - place);
+        waiting.pop();
+    }
+    return static_cast<int>(delay);
 }
 
 void PictureOrder::finish() {

@@ -89,8 +89,7 @@ std::int32_t probe(ConversionEngine& engine) {
     if (opened == AVERROR_DECODER_NOT_FOUND) {
         return NoVideoDecoder;
     }
-    const AVCodecContext* decoder = input.videoDecoder();
-    if (opened < 0 || (decoder != nullptr && (decoder->width <= 0 || decoder->height <= 0))) {
+    if (opened < 0) {
         return VideoDecoderFails;
     }
     input.openAudioDecoder(); // sound that cannot be decoded can still be copied

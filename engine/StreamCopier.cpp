@@ -90,6 +90,22 @@ bool knowsOwnTagsOnly(const AVOutputFormat& format, const AVCodecParameters& par
            av_codec_get_tag2(format.codec_tag, parameters.codec_id, &ownTag) == 0;
 }
 
+bool isReorderingCodec(AVCodecID codec) {
+    return codec == AV_CODEC_ID_H264 || codec == AV_CODEC_ID_HEVC;
+}
+
+/// Whether pictures may have to be put into display order. H.264 and HEVC streams need not declare
+/// that they reorder; the others do.
+bool mayReorder(const AVFormatContext& input, const AVStream& source,
+                const AVOutputFormat& format) {
+    const AVCodecParameters& parameters = *source.codecpar;
+    // AVI has no display times; only those of MPEG-4 can be told from the packets.
+    const bool hasDisplayTimes =
+        av_match_name("avi", input.iformat->name) == 0 || parameters.codec_id == AV_CODEC_ID_MPEG4;
+    const bool reorders = parameters.video_delay > 0 || isReorderingCodec(parameters.codec_id);
+    return hasDisplayTimes && reorders && !storesDecodingTimesOnly(format);
+}
+
 void copyTags(const AVStream& source, AVStream& output) {
     for (const char* key : {"language", "title", "handler_name"}) {
         if (const AVDictionaryEntry* tag = av_dict_get(source.metadata, key, nullptr, 0)) {
@@ -120,7 +136,10 @@ void stripToContent(AVPacket& packet) {
 }
 
 void completeAudio(AVCodecParameters& parameters) {
-    if (parameters.codec_id == AV_CODEC_ID_MP3 && parameters.block_align == 1) {
+    // Packets of these have no fixed size, whatever the old container said of it; a muxer would
+    // count time by it.
+    if (parameters.codec_id == AV_CODEC_ID_MP3 || parameters.codec_id == AV_CODEC_ID_AAC ||
+        parameters.codec_id == AV_CODEC_ID_AC3) {
         parameters.block_align = 0;
     }
     if (parameters.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
@@ -180,25 +199,14 @@ void copyFileTags(const AVFormatContext& input, AVDictionary** tags) {
     }
 }
 
-int displayDelay(const AVFormatContext& input, const AVStream& source, int decoderDelay,
-                 const AVOutputFormat& format) {
-    // AVI has no display times; only those of MPEG-4 can be told from the packets.
-    const bool hasDisplayTimes = av_match_name("avi", input.iformat->name) == 0 ||
-                                 source.codecpar->codec_id == AV_CODEC_ID_MPEG4;
-    const bool reorders = hasDisplayTimes && !storesDecodingTimesOnly(format);
-    return reorders ? std::max(decoderDelay, source.codecpar->video_delay) : 0;
-}
-
 VideoCopier::VideoCopier(OutputMedia& output, OutputStream& stream)
     : output_(output), stream_(stream), start_(stream.clock.units()) {}
 
-int VideoCopier::open(const AVStream& source, int delay) {
-    if (delay > 0) {
+int VideoCopier::open(const AVFormatContext& input, const AVStream& source, int decoderDelay) {
+    if (mayReorder(input, source, output_.format())) {
+        declaredDelay_ = std::max(decoderDelay, source.codecpar->video_delay);
         order_.emplace();
     }
-    // No picture may be shown before it is decoded. Where the inputs before had a smaller delay,
-    // this one's pictures and all later ones are shown that much later.
-    stream_.displayShift = std::max(stream_.displayShift, delay - stream_.displayDelay);
     return openStartCodeFilter(source, output_.format(), filter_);
 }
 
@@ -247,7 +255,21 @@ PacketOutcome VideoCopier::finish() {
     return writePlaced();
 }
 
+// No picture may be shown before it is decoded. The first input's delay is the output's; where a
+// later one has a greater delay, its pictures and all that follow are shown that much later.
+void VideoCopier::settleDelay() {
+    const int delay = std::max(declaredDelay_, order_->delay());
+    if (start_ == 0) {
+        stream_.displayDelay = delay;
+    } else {
+        stream_.displayShift = std::max(stream_.displayShift, delay - stream_.displayDelay);
+    }
+}
+
 PacketOutcome VideoCopier::writePlaced() {
+    if (written_ == 0 && order_->canTake()) {
+        settleDelay();
+    }
     while (auto placed = order_->take()) {
         const auto outcome = write(*placed->packet, placed->place);
         if (outcome != PacketOutcome::Done) {
@@ -300,18 +322,18 @@ std::int64_t AudioCopier::samplesIn(const AVPacket& packet) {
 std::int64_t AudioCopier::samplesByTime(const AVPacket& packet) {
     const std::int64_t duration = toSamples(packet.duration);
     std::int64_t samples = duration;
-    if (packet.pts != AV_NOPTS_VALUE) {
-        const std::int64_t counted = toSamples(packet.pts + packet.duration - timedFrom_);
-        samples = counted - timedSamples_;
-        const std::int64_t tolerance = 2 * toSamples(1) + 1;
-        if (timedFrom_ == AV_NOPTS_VALUE || std::abs(samples - duration) > tolerance) {
-            timedFrom_ = packet.pts; // the first packet, or one after a gap
-            timedSamples_ = 0;
-            samples = duration;
-        }
-        timedSamples_ += samples;
+    if (timedFrom_ != AV_NOPTS_VALUE && packet.pts != AV_NOPTS_VALUE) {
+        samples = toSamples(packet.pts + packet.duration - timedFrom_) - timedSamples_;
     }
-    return std::max(samples, INT64_C(1));
+    const std::int64_t tolerance = 2 * toSamples(1) + 1;
+    if (timedFrom_ == AV_NOPTS_VALUE || std::abs(samples - duration) > tolerance) {
+        timedFrom_ = packet.pts; // the first packet, or one after a gap
+        timedSamples_ = 0;
+        samples = duration;
+    }
+    samples = std::max(samples, INT64_C(1));
+    timedSamples_ += samples;
+    return samples;
 }
 
 std::int64_t AudioCopier::toSamples(std::int64_t sourceTicks) const {

@@ -23,19 +23,15 @@ int copyStreamDescription(const AVStream& source, AVStream& output);
 /// Copies the tags that tell of the whole file, other than those of its container.
 void copyFileTags(const AVFormatContext& input, AVDictionary** tags);
 
-/// How many pictures the decoding of `source` runs ahead of their display in this container; 0
-/// where packets are numbered in coding order alone. `decoderDelay`: what its decoder says.
-int displayDelay(const AVFormatContext& input, const AVStream& source, int decoderDelay,
-                 const AVOutputFormat& format);
-
 /// Copies the packets of one input's video stream, numbered by the output's clock. In containers
 /// that store display times, pictures that were coded out of order are shown in order.
 class VideoCopier : public PacketHandler {
 public:
     VideoCopier(OutputMedia& output, OutputStream& stream);
 
-    /// `delay`: the input's display delay. 0 or a negative libav error code.
-    int open(const AVStream& source, int delay);
+    /// `decoderDelay`: by how many pictures the source's decoder says that it reorders. 0 or a
+    /// negative libav error code.
+    int open(const AVFormatContext& input, const AVStream& source, int decoderDelay);
 
     void prepare(PacketHandle packet) override { prepared_.push_back(std::move(packet)); }
     PacketOutcome handle() override;
@@ -44,6 +40,7 @@ public:
 private:
     PacketOutcome number(PacketHandle packet);
     PacketOutcome writePlaced();
+    void settleDelay();
     PacketOutcome write(AVPacket& packet, std::int64_t place);
 
     OutputMedia& output_;
@@ -51,6 +48,7 @@ private:
     std::deque<PacketHandle> prepared_;
     BitstreamFilterHandle filter_; ///< null: packets go as they are
     std::optional<PictureOrder> order_;
+    int declaredDelay_ = 0;    ///< pictures
     const std::int64_t start_; ///< the slot of the input's first packet
     std::int64_t written_ = 0; ///< packets of the input
 };
