@@ -19,7 +19,7 @@ bool isOneOf(const AVOutputFormat& format, const char* names) {
 
 /// Containers that carry H.264 and HEVC as a byte stream with start codes.
 bool wantsStartCodes(const AVOutputFormat& format) {
-    return isOneOf(format, "avi,mpegts,mpeg,vcd,svcd,dvd,vob");
+    return isOneOf(format, "avi,asf,asf_stream,mpegts,mpeg,vcd,svcd,dvd,vob");
 }
 
 /// Containers that store one time stamp per packet, that of decoding.
