@@ -49,5 +49,53 @@ TEST(FrameRate, OneThousand_is_the_last_that_stays) {
     EXPECT_TRUE(same(correctedFrameRate({90000, 1}), {90000, 1001}));
 }
 
+struct OfferedRate {
+    double rate;
+    AVRational duration;
+};
+
+class FrameRateOffered : public testing::TestWithParam<OfferedRate> {};
+
+TEST_P(FrameRateOffered, Rate_has_its_duration) {
+    double rate = GetParam().rate;
+    EXPECT_TRUE(same(encodedFrameDuration(rate, {25, 1}, AV_CODEC_ID_H264), GetParam().duration));
+    EXPECT_EQ(rate, GetParam().rate);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rates, FrameRateOffered,
+    testing::Values(OfferedRate{10.0, {1, 10}}, OfferedRate{12.0, {1001, 12012}},
+                    OfferedRate{14.985, {1001, 15000}}, OfferedRate{15.0, {1001, 15015}},
+                    OfferedRate{18.0, {1, 18}}, OfferedRate{20.0, {1001, 20020}},
+                    OfferedRate{23.975, {1001, 24000}}, OfferedRate{24.0, {1001, 24024}},
+                    OfferedRate{25.0, {1001, 25025}}, OfferedRate{29.97, {1001, 30000}},
+                    OfferedRate{30.0, {1001, 30030}}, OfferedRate{50.0, {1, 50}},
+                    OfferedRate{60.0, {1, 60}}));
+
+TEST(FrameRate, RateThatIsNotOffered_keeps_the_source_duration) {
+    double rate = 48.0;
+    EXPECT_TRUE(same(encodedFrameDuration(rate, {25, 2}, AV_CODEC_ID_H264), {2, 25}));
+    EXPECT_EQ(rate, 48.0);
+}
+
+TEST(FrameRate, SourceRate_becomes_its_whole_number) {
+    double rate = 0.0;
+    EXPECT_TRUE(same(encodedFrameDuration(rate, {19001, 317}, AV_CODEC_ID_H264), {317, 19001}));
+    EXPECT_EQ(rate, 59.0);
+}
+
+TEST(FrameRate, SourceRatesThatMpeg4CannotExpress_are_replaced) {
+    double rate = 0.0;
+    EXPECT_TRUE(
+        same(encodedFrameDuration(rate, {785645, 32768}, AV_CODEC_ID_MPEG4), {1001, 24000}));
+    EXPECT_EQ(rate, 23.0);
+    rate = 0.0;
+    EXPECT_TRUE(same(encodedFrameDuration(rate, {982057, 32768}, AV_CODEC_ID_MPEG4), {100, 2997}));
+    EXPECT_EQ(rate, 29.0);
+    rate = 0.0;
+    EXPECT_TRUE(
+        same(encodedFrameDuration(rate, {785645, 32768}, AV_CODEC_ID_H264), {32768, 785645}));
+}
+
 } // namespace
 } // namespace velmora::test

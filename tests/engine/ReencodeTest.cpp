@@ -1,0 +1,372 @@
+#include "JobSupport.h"
+
+extern "C" {
+#include <libavcodec/codec_id.h>
+}
+
+#include <gtest/gtest.h>
+#include <sched.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <functional>
+#include <numeric>
+
+namespace velmora::test {
+namespace {
+
+/// What a re-encoding job is to make.
+struct Target {
+    const char* extension;
+    AVCodecID video;
+    AVCodecID audio;
+    const char* videoName; ///< ffprobe's
+    const char* audioName; ///< ffprobe's
+};
+
+class Reencode : public JobTest {
+protected:
+    Reencode() {
+        engine_.reencode = 1;
+        engine_.videoBitRate = 400'000;
+        engine_.videoWidth = 160;
+        engine_.videoHeight = 120;
+        engine_.videoFrameRate = 0.0;
+        engine_.audioBitRate = 128'000;
+        engine_.audioSampleRate = 44100;
+        engine_.audioChannels = 2;
+        choose(AV_CODEC_ID_H264, AV_CODEC_ID_AAC);
+    }
+    ~Reencode() override { engine_.reencode = 0; }
+
+    void choose(AVCodecID video, AVCodecID audio) {
+        engine_.videoCodecId = video;
+        engine_.audioCodecId = audio;
+    }
+
+    JobResult cut(const std::string& input, float startMs, float endMs, const std::string& output) {
+        return runReencoding([&] { fillCut(input, startMs, endMs, output); });
+    }
+    JobResult join(const std::vector<std::string>& inputs, const std::string& output) {
+        return runReencoding([&] { fillJoin(inputs, output); });
+    }
+
+    static nlohmann::json streamOf(const std::string& path, const std::string& stream) {
+        const auto streams =
+            ffprobeJson(path, {"-show_streams", "-select_streams", stream}).at("streams");
+        return streams.empty() ? nlohmann::json() : streams.at(0);
+    }
+
+    /// Where the last packet of the stream ends, seconds.
+    static double endOf(const std::string& path, const std::string& stream) {
+        const Fraction timeBase = fractionOf(streamOf(path, stream).at("time_base"));
+        const auto packets = packetsOf(path, stream);
+        const auto last = std::ranges::max_element(
+            packets, {}, [](const PacketFacts& packet) { return packet.pts.value_or(0); });
+        return static_cast<double>((last->pts.value() + last->duration) * timeBase.num) /
+               static_cast<double>(timeBase.den);
+    }
+
+private:
+    /// Filling the table may probe, which puts the source's values into the settings.
+    JobResult runReencoding(const std::function<void()>& fill) {
+        const std::array settings = {engine_.videoCodecId,  engine_.audioCodecId,
+                                     engine_.videoBitRate,  engine_.audioBitRate,
+                                     engine_.audioChannels, engine_.audioSampleRate};
+        fill();
+        engine_.videoCodecId = settings[0];
+        engine_.audioCodecId = settings[1];
+        engine_.videoBitRate = settings[2];
+        engine_.audioBitRate = settings[3];
+        engine_.audioChannels = settings[4];
+        engine_.audioSampleRate = settings[5];
+        engine_.reencode = 1;
+        return run();
+    }
+};
+
+class ReencodeTo : public Reencode, public testing::WithParamInterface<Target> {};
+
+TEST_P(ReencodeTo, Cut_has_the_settings_and_decodes) {
+    const Target& target = GetParam();
+    choose(target.video, target.audio);
+    const std::string output = folder_ / (std::string("out.") + target.extension);
+
+    EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 2000, output).states, std::vector{1});
+
+    const auto video = streamOf(output, "v:0");
+    EXPECT_EQ(video.at("codec_name"), target.videoName);
+    EXPECT_EQ(video.at("width"), 160);
+    EXPECT_EQ(video.at("height"), 120);
+    const auto audio = streamOf(output, "a:0");
+    EXPECT_EQ(audio.at("codec_name"), target.audioName);
+    EXPECT_EQ(audio.at("sample_rate"), "44100");
+    EXPECT_EQ(audio.at("channels"), 2);
+    EXPECT_TRUE(ffmpegDecodesClean(output));
+    EXPECT_NEAR(static_cast<double>(packetsOf(output, "v:0").size()), 60.0, 1.0);
+    EXPECT_NEAR(endOf(output, "a:0"), 2.0, 0.12);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Targets, ReencodeTo,
+    testing::Values(Target{"mp4", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"m4v", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"mov", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"mkv", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"flv", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"3gp", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"ts", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, "h264", "aac"},
+                    Target{"avi", AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3, "mpeg4", "mp3"},
+                    Target{"mp4", AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3, "mpeg4", "mp3"},
+                    Target{"wmv", AV_CODEC_ID_WMV2, AV_CODEC_ID_WMAV2, "wmv2", "wmav2"},
+                    Target{"flv", AV_CODEC_ID_FLV1, AV_CODEC_ID_MP3, "flv1", "mp3"},
+                    Target{"mkv", AV_CODEC_ID_H264, AV_CODEC_ID_VORBIS, "h264", "vorbis"}),
+    [](const auto& made) {
+        return std::string(made.param.videoName) + "_" + made.param.audioName + "_" +
+               made.param.extension;
+    });
+
+TEST_F(Reencode, Pictures_are_numbered_one_frame_apart) {
+    const std::string output = folder_ / "out.mp4";
+    engine_.videoFrameRate = 29.97;
+
+    EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 2000, output).states, std::vector{1});
+
+    const auto packets = packetsOf(output, "v:0");
+    const Fraction timeBase = fractionOf(streamOf(output, "v:0").at("time_base"));
+    const Numbering numbering(timeBase, {1001, 30000});
+    for (std::size_t i = 0; i < packets.size(); ++i) {
+        ASSERT_EQ(packets[i].dts, numbering.at(static_cast<std::int64_t>(i))) << i;
+        ASSERT_EQ(packets[i].pts, packets[i].dts) << i;
+    }
+}
+
+// The decoder holds two pictures of a stream with B-frames when the clock reaches the end; they are
+// written, and the one that the encoder holds is not.
+TEST_F(Reencode, CutOfReorderedPictures_is_drained_by_the_count_without_picture) {
+    const std::string output = folder_ / "out.mp4";
+    const auto delay = streamOf(mediaPath("h264-bframes.mp4"), "v:0").at("has_b_frames").get<int>();
+    ASSERT_GT(delay, 0);
+
+    EXPECT_EQ(cut(mediaPath("h264-bframes.mp4"), 0, 2000, output).states, std::vector{1});
+
+    EXPECT_EQ(packetsOf(output, "v:0").size(), 60U + static_cast<std::size_t>(delay));
+}
+
+TEST_F(Reencode, EveryTwelfthPicture_at_most_is_a_key_picture) {
+    const std::string output = folder_ / "out.mkv";
+
+    EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 3000, output).states, std::vector{1});
+
+    const auto packets = packetsOf(output, "v:0");
+    for (std::size_t i = 0; i < packets.size(); i += 12) {
+        EXPECT_EQ(packets[i].flags.front(), 'K') << i;
+    }
+    EXPECT_EQ(streamOf(output, "v:0").at("has_b_frames"), 0);
+}
+
+TEST_F(Reencode, SourceRate_is_put_into_the_settings) {
+    EXPECT_EQ(cut(mediaPath("h264-2997.mp4"), 0, 500, folder_ / "out.mp4").states, std::vector{1});
+
+    EXPECT_EQ(engine_.videoFrameRate, 29.0);
+}
+
+TEST_F(Reencode, AacBelowItsLeastBitRate_gets_that) {
+    engine_.audioBitRate = 96'000;
+    const std::string output = folder_ / "out.mp4";
+    const std::string noise = mediaMadeBy("-f lavfi -i testsrc2=size=64x36:rate=25:duration=4 -f "
+                                          "lavfi -i anoisesrc=duration=4:sample_rate=44100 -c:v "
+                                          "mpeg4 -c:a pcm_s16le -ac 2",
+                                          "noise.mkv");
+
+    EXPECT_EQ(cut(noise, 0, 4000, output).states, std::vector{1});
+
+    const double bitRate = std::stod(streamOf(output, "a:0").at("bit_rate").get<std::string>());
+    EXPECT_NEAR(bitRate, 128'000.0, 10'000.0);
+}
+
+TEST_F(Reencode, Result_does_not_depend_on_the_cores) {
+    const std::string free = folder_ / "free.mp4";
+    const std::string bound = folder_ / "bound.mp4";
+    EXPECT_EQ(cut(mediaPath("h264-bframes.mp4"), 500, 2500, free).states, std::vector{1});
+    cpu_set_t all;
+    ASSERT_EQ(sched_getaffinity(0, sizeof(all), &all), 0);
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    for (std::size_t cpu = 0; cpu < CPU_SETSIZE && CPU_COUNT(&one) == 0; ++cpu) {
+        if (CPU_ISSET(cpu, &all)) {
+            CPU_SET(cpu, &one);
+        }
+    }
+    ASSERT_EQ(sched_setaffinity(0, sizeof(one), &one), 0);
+
+    EXPECT_EQ(cut(mediaPath("h264-bframes.mp4"), 500, 2500, bound).states, std::vector{1});
+
+    sched_setaffinity(0, sizeof(all), &all);
+    EXPECT_EQ(readFile(free), readFile(bound));
+}
+
+class ReencodeRefused : public Reencode, public testing::WithParamInterface<const char*> {
+protected:
+    void spoil(const std::string& setting) {
+        if (setting == "videoCodec") {
+            engine_.videoCodecId = AV_CODEC_ID_MPEG2VIDEO;
+        } else if (setting == "audioCodec") {
+            engine_.audioCodecId = AV_CODEC_ID_FLAC;
+        } else if (setting == "width") {
+            engine_.videoWidth = 161;
+        } else if (setting == "height") {
+            engine_.videoHeight = 0;
+        } else if (setting == "sampleRate") {
+            engine_.audioSampleRate = 12345;
+        } else if (setting == "channels") {
+            engine_.audioChannels = 0;
+        } else if (setting == "mp3Channels") {
+            choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3);
+            engine_.audioChannels = 6;
+        }
+    }
+};
+
+TEST_P(ReencodeRefused, Setting_fails_the_input_and_says_so) {
+    spoil(GetParam());
+    const std::string output = folder_ / "out.mp4";
+    const AtLogLine line("%s: %s: %s", [](int) {});
+
+    EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 1000, output).states, std::vector{2});
+
+    EXPECT_GE(line.seen(), 1);
+    EXPECT_FALSE(std::filesystem::exists(output));
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, ReencodeRefused,
+                         testing::Values("videoCodec", "audioCodec", "width", "height",
+                                         "sampleRate", "channels", "mp3Channels"),
+                         [](const auto& made) { return std::string(made.param); });
+
+TEST_F(Reencode, SourceWithoutSound_gives_pictures_alone) {
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(mediaPath("video-only.mp4"), 0, 1000, output).states, std::vector{1});
+
+    EXPECT_TRUE(streamOf(output, "a:0").is_null());
+    EXPECT_TRUE(ffmpegDecodesClean(output));
+}
+
+TEST_F(Reencode, RotatedSource_stays_upright) {
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(mediaPath("tagged-rotated.mp4"), 0, 1000, output).states, std::vector{1});
+
+    const auto rotationOf = [](const std::string& path) {
+        return streamOf(path, "v:0").at("side_data_list").at(0).at("rotation");
+    };
+    EXPECT_EQ(rotationOf(output), rotationOf(mediaPath("tagged-rotated.mp4")));
+}
+
+/// The average of a picture's luma.
+double lumaOf(const std::string& path) {
+    const std::string pixels =
+        runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", path, "-frames:v", "1", "-f",
+                    "rawvideo", "-pix_fmt", "gray", "-vf", "extractplanes=y", "-"})
+            .output;
+    const double sum =
+        std::accumulate(pixels.begin(), pixels.end(), 0.0, [](double total, char pixel) {
+            return total + static_cast<unsigned char>(pixel);
+        });
+    return sum / static_cast<double>(pixels.size());
+}
+
+class ReencodeRange : public Reencode, public testing::WithParamInterface<const char*> {};
+
+// White is 255 in full range and 235 in the range that the output is in.
+TEST_P(ReencodeRange, FullRangeSource_becomes_limited) {
+    const std::string white =
+        mediaMadeBy(std::string("-f lavfi -i color=white:size=160x120:rate=25:duration=1,"
+                                "scale=out_range=full,format=") +
+                        GetParam() + " -color_range pc -c:v ffv1 -level 3",
+                    std::string("white-") + GetParam() + ".mkv");
+    for (const int width : {160, 96}) {
+        engine_.videoWidth = width;
+        const std::string output = folder_ / "out.mp4";
+
+        EXPECT_EQ(cut(white, 0, 400, output).states, std::vector{1});
+
+        EXPECT_NEAR(lumaOf(output), 235.0, 2.0) << width;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, ReencodeRange,
+                         testing::Values("yuv420p", "yuv420p10le", "yuv444p"),
+                         [](const auto& made) { return std::string(made.param); });
+
+TEST_F(Reencode, RgbSource_is_tagged_by_a_matrix_that_players_know) {
+    const std::string red = mediaMadeBy(
+        "-f lavfi -i color=red:size=160x120:rate=25:duration=1 -pix_fmt bgr0 -c:v ffv1", "red.mkv");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(red, 0, 400, output).states, std::vector{1});
+
+    EXPECT_EQ(streamOf(output, "v:0").at("color_space"), "smpte170m");
+    EXPECT_NEAR(lumaOf(output), 81.0, 3.0);
+}
+
+TEST_F(Reencode, Join_takes_inputs_that_differ_in_everything) {
+    const std::vector<std::string> inputs = {mediaPath("h264.mp4"), mediaPath("mpeg4.avi"),
+                                             mediaPath("hevc.mp4"), mediaPath("vorbis.mkv")};
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(join(inputs, output).states, std::vector<int>(inputs.size(), 1));
+
+    std::size_t pictures = 0;
+    for (const std::string& input : inputs) {
+        pictures += frameMd5s(input, "v:0").size();
+    }
+    EXPECT_EQ(packetsOf(output, "v:0").size(), pictures - 1); // one stays in the encoder
+    EXPECT_TRUE(ffmpegDecodesClean(output));
+}
+
+TEST_F(Reencode, JoinOfEqualRates_keeps_sound_and_picture_together) {
+    const std::string source = mediaPath("h264.mp4");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(join({source, source, source, source}, output).states, std::vector(4, 1));
+
+    const double ownOffset = endOf(source, "v:0") - endOf(source, "a:0");
+    const double offset = endOf(output, "v:0") - endOf(output, "a:0");
+    constexpr double frames = 1.0 / 30 + 1024.0 / 44100;
+    EXPECT_LE(std::abs(offset - ownOffset), frames + 1.0 / 30); // and the encoder's last picture
+    const auto packets = packetsOf(output, "v:0");
+    for (std::size_t i = 1; i < packets.size(); ++i) {
+        ASSERT_GT(packets[i].dts.value(), packets[i - 1].dts.value()) << i;
+    }
+}
+
+TEST_F(Reencode, LaterInputWithSound_fails_where_the_first_had_none) {
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(join({mediaPath("video-only.mp4"), mediaPath("h264.mp4")}, output).states,
+              (std::vector{1, 2}));
+}
+
+TEST_F(Reencode, SoundThatCannotBeEncoded_fails_the_input) {
+    const std::string source =
+        mediaMadeBy("-f lavfi -i testsrc2=size=64x36:rate=25:duration=1 -f lavfi -i "
+                    "aevalsrc=0/0:sample_rate=44100:duration=1 -c:v mpeg4 -c:a pcm_f32le",
+                    "nan.mkv");
+
+    EXPECT_EQ(cut(source, 0, 1000, folder_ / "out.mp4").states, std::vector{2});
+}
+
+TEST_F(Reencode, Threads_and_descriptors_are_gone_afterwards) {
+    cut(mediaPath("h264.mp4"), 0, 500, folder_ / "first.mp4");
+    const Resources before = Resources::now();
+
+    cut(mediaPath("h264.mp4"), 0, 500, folder_ / "second.mp4");
+
+    expectNothingLeftSince(before);
+}
+
+} // namespace
+} // namespace velmora::test
