@@ -1,6 +1,7 @@
 #include "CopySupport.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <string>
 #include <tuple>
@@ -271,10 +272,9 @@ private:
 /// The bit of the first sequence header, of the Main profile, that announces the part in which an
 /// encoder may tell how far it reorders.
 std::size_t usabilityBit(const Bytes& content) {
-    constexpr std::string_view begin = "\x67\x4D";
-    const auto header = std::ranges::search(content, begin, {}, {},
-                                            [](char c) { return static_cast<std::uint8_t>(c); });
-    Bits bits(content, static_cast<std::size_t>(header.begin() - content.begin()) + 4);
+    constexpr std::array<std::uint8_t, 2> begin{0x67, 0x4D};
+    const auto header = std::search(content.begin(), content.end(), begin.begin(), begin.end());
+    Bits bits(content, static_cast<std::size_t>(header - content.begin()) + 4);
     bits.code(); // its number
     bits.code(); // bits of a frame's number
     if (bits.code() == 0) {
