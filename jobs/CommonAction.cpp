@@ -1,0 +1,35 @@
+#include "CommonAction.h"
+
+#include "SharedState.h"
+
+#include <QFileInfo>
+
+namespace velmora {
+
+QString CommonAction::timeFormatBySecond(std::int32_t seconds) {
+    const std::int32_t hours = seconds / 3600;
+    const std::int32_t minutes = (seconds - hours * 3600) / 60;
+    return QString::asprintf("%02d:%02d:%02d", hours, minutes, seconds % 60);
+}
+
+std::int32_t CommonAction::getSeleteCount() {
+    return getCount();
+}
+
+std::int32_t CommonAction::getCount() {
+    return sharedFileList ? static_cast<std::int32_t>(sharedFileList->size()) : 0;
+}
+
+std::shared_ptr<NodeInfo> CommonAction::getSeleteObject(std::int32_t index) {
+    const std::int32_t count = getCount();
+    if (count == 0)
+        return nullptr;
+    const bool inside = index >= 0 && index < count;
+    return inside ? (*sharedFileList)[static_cast<std::size_t>(index)] : sharedFileList->back();
+}
+
+bool CommonAction::fileExist(const QString& path) {
+    return QFileInfo::exists(path);
+}
+
+} // namespace velmora
