@@ -1,0 +1,39 @@
+#include "LogLines.h"
+
+#include <QLoggingCategory>
+
+#include <cstring>
+#include <mutex>
+
+namespace velmora::test {
+namespace {
+
+std::mutex guard; // lines may come from any thread
+LogLines* current = nullptr;
+
+} // namespace
+
+LogLines::LogLines() : before_(qInstallMessageHandler(take)) {
+    const std::lock_guard lock(guard);
+    current = this;
+    QLoggingCategory::setFilterRules("velmora.info=true");
+}
+
+LogLines::~LogLines() {
+    QLoggingCategory::setFilterRules({});
+    qInstallMessageHandler(before_);
+    const std::lock_guard lock(guard);
+    current = nullptr;
+}
+
+void LogLines::take(QtMsgType type, const QMessageLogContext& context, const QString& line) {
+    const std::lock_guard lock(guard);
+    if (!current)
+        return;
+    if (std::strcmp(context.category, "velmora") == 0)
+        current->lines_.append(line);
+    else if (current->before_)
+        current->before_(type, context, line);
+}
+
+} // namespace velmora::test

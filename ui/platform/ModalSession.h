@@ -1,0 +1,22 @@
+#pragma once
+
+class QWidget;
+
+namespace velmora {
+
+// Modal sessions. They nest, and the innermost one is in force. Main thread.
+
+/// Shows `window` and handles events, but no input to other windows, until the session is stopped.
+/// Windows and panels that belong to `window` are not blocked. The session also ends when the
+/// window is hidden or destroyed, or the application quits.
+void runModalForWindow(QWidget& window);
+
+/// Ends the innermost session, if there is one. Its window stays on screen and blocks the others no
+/// longer; its runModalForWindow() returns once the caller of this function has returned to the
+/// event loop. Until then it stays the innermost one, and stopping it again does nothing.
+void stopModal();
+
+/// The window of the innermost session that has not been stopped; null without one.
+QWidget* modalWindow();
+
+} // namespace velmora
