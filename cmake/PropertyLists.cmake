@@ -1,5 +1,5 @@
-# The property-list library as PkgConfig::PLISTPP.
+# The property-list library as PkgConfig::PLIST.
 
 find_package(PkgConfig REQUIRED)
 
-pkg_check_modules(PLISTPP REQUIRED IMPORTED_TARGET libplist++-2.0>=2.2)
+pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0>=2.2)

@@ -6,6 +6,8 @@
 
 namespace velmora {
 
+struct Profile;
+
 /// One set of output parameters as texts: the default choices of a profile, or what the user has
 /// chosen. Main thread, but for the start of a run, which reads it.
 struct NodeSetting {
@@ -28,6 +30,10 @@ struct NodeSetting {
     std::int32_t height = 0;        ///< pixels
     float cutStartTime = 0;         ///< milliseconds; -1: not a time
     float cutEndTime = 0;           ///< milliseconds; -1: not a time
+
+    /// Takes the id, the name and the default choices of the profile, null standing for one without
+    /// any. Texts for which it has no choice, frame size, flags and times stay as they are.
+    NodeSetting& initWithDict(const Profile* profile);
 };
 
 } // namespace velmora

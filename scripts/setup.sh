@@ -7,7 +7,7 @@ for group in "$@"; do
     case $group in
         build) packages+=(g++ cmake ninja-build pkg-config nlohmann-json3-dev libavformat-dev
                           libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
-                          libplist++-dev qt6-base-dev) ;;
+                          libplist-dev qt6-base-dev) ;;
         run)   packages+=(ffmpeg) ;;
         test)  packages+=(ffmpeg libgtest-dev clang-format) ;;
         check) packages+=(clang-format clang-tidy) ;;
