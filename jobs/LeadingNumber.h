@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+namespace velmora {
+
+/// The number that the text begins with, after blanks and a sign; 0 without one. Numbers beyond
+/// 32 bits give the nearest that fits.
+std::int32_t leadingInteger(const QString& text);
+
+/// Likewise with a decimal point, whatever the user's language, and an exponent.
+double leadingDecimal(const QString& text);
+
+/// A number without its fraction; what 32 bits cannot hold gives the nearest that fits, and what is
+/// no number 0.
+std::int32_t truncated(double number);
+
+} // namespace velmora

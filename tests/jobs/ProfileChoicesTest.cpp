@@ -1,0 +1,185 @@
+#include "ConversionEngine.h"
+#include "ConverterThread.h"
+#include "JobsSupport.h"
+#include "MediaReader.h"
+#include "ProfileInfo.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace velmora::test {
+namespace {
+
+const ProfileInfo& offered() {
+    static const ProfileInfo profiles = ProfileInfo().initWithPath(":/profile.plist");
+    return profiles;
+}
+
+/// What ffprobe calls the encoders.
+const std::map<QString, std::string> kCodecs = {
+    {"MPEG4", "mpeg4"}, {"H264", "h264"},  {"WMV2", "wmv2"}, {"FLV", "flv1"},
+    {"MP3", "mp3"},     {"WMA8", "wmav2"}, {"AAC", "aac"},   {"VORBIS", "vorbis"}};
+
+QString extensionOf(const QString& profileName) {
+    return ConverterThread::getExt(profileName);
+}
+
+/// Each profile that the program ships is carried out by the real engine.
+class ProfileChoices : public SharedStateTest, public testing::WithParamInterface<std::string> {
+protected:
+    ProfileChoices() {
+        *currentSetting = NodeSetting().initWithDict(&profile_);
+        addItem(mediaPath("h264.mp4"), 0, 500);
+    }
+
+    const ProfileParameter& parameter(const QString& name) const {
+        return *std::ranges::find(profile_.setInfo, name, &ProfileParameter::name);
+    }
+
+    /// Re-encodes half a second with the current setting; the path of what comes out.
+    std::string convert() {
+        NodeSetting& setting = *currentSetting;
+        setting.width = ConverterThread::getWidthFromResolution(setting.vResolution);
+        setting.height = ConverterThread::getHeightFromResolution(setting.vResolution);
+        const QString path = output("out." + extensionOf(*profile_.name).toStdString());
+        ConverterThread::beginConverter({.fullPath = path, .isDirectly = 0, .isCutter = 1});
+        EXPECT_EQ(ConversionEngine::instance().fileStates[0], ConversionEngine::Done)
+            << described().toStdString();
+        return path.toStdString();
+    }
+
+    static QString described() {
+        const NodeSetting& setting = *currentSetting;
+        return QStringList{setting.vResolution, setting.vBitrate, setting.vFrameRate,
+                           setting.aSamplerate, setting.aBitrate, setting.aChannels}
+            .join(' ');
+    }
+
+    static void expectAsSet(const std::string& path) {
+        SCOPED_TRACE(described().toStdString());
+        const NodeSetting& setting = *currentSetting;
+        const auto streams = ffprobeJson(path, {"-show_streams"}).at("streams");
+        ASSERT_EQ(streams.size(), 2U);
+        const auto& video = streams[0].at("codec_type") == "video" ? streams[0] : streams[1];
+        const auto& audio = streams[0].at("codec_type") == "video" ? streams[1] : streams[0];
+        EXPECT_EQ(video.at("codec_name"), kCodecs.at(setting.vEncoder));
+        EXPECT_EQ(video.at("width"), setting.width);
+        EXPECT_EQ(video.at("height"), setting.height);
+        EXPECT_EQ(audio.at("codec_name"), kCodecs.at(setting.aEncoder));
+        EXPECT_EQ(audio.at("sample_rate"), setting.aSamplerate.toStdString());
+        EXPECT_EQ(audio.at("channels"), setting.aChannels.toInt());
+        EXPECT_NEAR(rateOf(path, video.at("time_base")), setting.vFrameRate.toDouble(),
+                    setting.vFrameRate.toDouble() * 0.005);
+    }
+
+    /// Pictures per second, from the distance of the second and the last. The first may be longer:
+    /// an avi file waits so for its sound, which begins with what the MP3 encoder adds.
+    static double rateOf(const std::string& path, const std::string& timeBase) {
+        const auto packets = packetsOf(path, "v:0");
+        const auto ticks = packets.back().dts.value() - packets.at(1).dts.value();
+        const double ticksPerSecond = std::stod(timeBase.substr(timeBase.find('/') + 1));
+        return static_cast<double>(packets.size() - 2) / static_cast<double>(ticks) *
+               ticksPerSecond / std::stod(timeBase);
+    }
+
+    const Profile& profile_ = *offered().getProfileByName(QString::fromStdString(GetParam()));
+};
+
+TEST_P(ProfileChoices, defaults_work) {
+    expectAsSet(convert());
+    EXPECT_TRUE(ffmpegDecodesClean(folder_ / ("out." + extensionOf(*profile_.name).toStdString())));
+}
+
+// Round k takes the k-th choice of every parameter, so each choice is taken at least once.
+TEST_P(ProfileChoices, everyChoice_works) {
+    qsizetype rounds = 0;
+    for (const ProfileParameter& each : profile_.setInfo)
+        rounds = std::max(rounds, each.arrayValue.size());
+    for (qsizetype round = 0; round < rounds; ++round) {
+        Profile chosen = profile_;
+        for (ProfileParameter& each : chosen.setInfo)
+            each.index = static_cast<std::int32_t>(round % each.arrayValue.size());
+        currentSetting->initWithDict(&chosen);
+        expectAsSet(convert());
+    }
+}
+
+// What an encoder of sound takes depends on all three together.
+TEST_P(ProfileChoices, everyCombinationOfSound_works) {
+    currentSetting->vResolution = parameter("vResolution").arrayValue.first();
+    sharedFileList->front()->endTime = 200;
+    for (const QString& rate : parameter("aSamplerate").arrayValue) {
+        for (const QString& bitRate : parameter("aBitRate").arrayValue) {
+            for (const QString& channels : parameter("channel").arrayValue) {
+                currentSetting->aSamplerate = rate;
+                currentSetting->aBitrate = bitRate;
+                currentSetting->aChannels = channels;
+                convert();
+            }
+        }
+    }
+}
+
+std::vector<std::string> names() {
+    std::vector<std::string> all;
+    for (const QString& name : offered().getAllProfileName())
+        all.push_back(name.toStdString());
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ProfileChoices, testing::ValuesIn(names()),
+                         [](const auto& made) { return asTestName(made.param); });
+
+class OfferedProfiles : public testing::Test {
+protected:
+    std::vector<const Profile*> all_ = [] {
+        std::vector<const Profile*> all;
+        for (const QString& name : offered().getAllProfileName())
+            all.push_back(offered().getProfileByName(name));
+        return all;
+    }();
+};
+
+TEST_F(OfferedProfiles, namesAndIds_areUnique) {
+    std::set<QString> names;
+    std::set<std::int32_t> ids;
+    for (const Profile* profile : all_) {
+        EXPECT_TRUE(names.insert(*profile->name).second) << profile->name->toStdString();
+        EXPECT_TRUE(ids.insert(profile->index.value()).second) << profile->name->toStdString();
+    }
+}
+
+TEST_F(OfferedProfiles, parameters_areAllThereWithADefaultAmongTheChoices) {
+    const std::set<QString> expected{"vEncoder", "vResolution", "vBitRate", "vFrameRate",
+                                     "aEncoder", "aSamplerate", "aBitRate", "channel"};
+    for (const Profile* profile : all_) {
+        std::set<QString> found;
+        for (const ProfileParameter& parameter : profile->setInfo) {
+            found.insert(parameter.name);
+            EXPECT_EQ(parameter.index, parameter.position()) << profile->name->toStdString();
+            EXPECT_FALSE(parameter.choice().isEmpty()) << profile->name->toStdString();
+            EXPECT_EQ(
+                std::set<QString>(parameter.arrayValue.begin(), parameter.arrayValue.end()).size(),
+                static_cast<std::size_t>(parameter.arrayValue.size()));
+        }
+        EXPECT_EQ(found, expected) << profile->name->toStdString();
+    }
+}
+
+TEST_F(OfferedProfiles, containersAndEncoders_areTheKnownPairs) {
+    std::set<QString> pairs;
+    for (const Profile* profile : all_) {
+        const NodeSetting setting = NodeSetting().initWithDict(profile);
+        pairs.insert(extensionOf(*profile->name) + ' ' + setting.vEncoder + ' ' + setting.aEncoder);
+    }
+    EXPECT_EQ(pairs, (std::set<QString>{"mp4 H264 AAC", "m4v H264 AAC", "mov H264 AAC",
+                                        "mkv H264 AAC", "flv H264 AAC", "3gp H264 AAC",
+                                        "ts H264 AAC", "avi MPEG4 MP3", "mp4 MPEG4 MP3",
+                                        "wmv WMV2 WMA8", "flv FLV MP3", "mkv H264 VORBIS"}));
+    EXPECT_EQ(NodeSetting().initWithDict(all_.front()).vEncoder, "H264");
+    EXPECT_EQ(extensionOf(*all_.front()->name), "mp4");
+}
+
+} // namespace
+} // namespace velmora::test
