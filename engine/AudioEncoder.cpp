@@ -88,6 +88,20 @@ int AudioEncoder::queue(const AVFrame& samples) {
     return av_audio_fifo_write(queue_.get(), planesOf(samples), samples.nb_samples);
 }
 
+int AudioEncoder::queueSilence() {
+    const FrameHandle silence = emptyChunk();
+    if (silence == nullptr) {
+        return AVERROR(ENOMEM);
+    }
+    av_samples_set_silence(silence->extended_data, 0, frameSize(), encoder_->ch_layout.nb_channels,
+                           encoder_->sample_fmt);
+    return queue(*silence);
+}
+
+std::int64_t AudioEncoder::taken() const {
+    return samples_ + av_audio_fifo_size(queue_.get());
+}
+
 bool AudioEncoder::hasWholeChunk() const {
     return av_audio_fifo_size(queue_.get()) >= frameSize();
 }
@@ -105,7 +119,7 @@ int AudioEncoder::encodeChunk(std::vector<PacketHandle>& packets) {
     return encode(chunk.get(), packets);
 }
 
-FrameHandle AudioEncoder::takeChunk() {
+FrameHandle AudioEncoder::emptyChunk() const {
     FrameHandle chunk(av_frame_alloc());
     if (chunk == nullptr) {
         return nullptr;
@@ -115,6 +129,14 @@ FrameHandle AudioEncoder::takeChunk() {
     chunk->sample_rate = encoder_->sample_rate;
     if (av_channel_layout_copy(&chunk->ch_layout, &encoder_->ch_layout) < 0 ||
         av_frame_get_buffer(chunk.get(), 0) < 0) {
+        return nullptr;
+    }
+    return chunk;
+}
+
+FrameHandle AudioEncoder::takeChunk() {
+    FrameHandle chunk = emptyChunk();
+    if (chunk == nullptr) {
         return nullptr;
     }
     const int read = av_audio_fifo_read(queue_.get(), planesOf(*chunk), frameSize());

@@ -26,6 +26,12 @@ public:
 
     /// Queues samples in the encoder's format. 0 or a negative libav error code.
     int queue(const AVFrame& samples);
+    /// Queues one frame's worth of silence. 0 or a negative libav error code.
+    int queueSilence();
+    /// Samples that have been queued since `open`, and the silence that has filled chunks up.
+    std::int64_t taken() const;
+    /// Samples in a chunk.
+    int frameSize() const;
     bool hasWholeChunk() const;
     bool isEmpty() const;
 
@@ -38,8 +44,8 @@ public:
 
 private:
     FrameHandle takeChunk();
+    FrameHandle emptyChunk() const;
     int encode(const AVFrame* chunk, std::vector<PacketHandle>& packets);
-    int frameSize() const;
 
     CodecContextHandle encoder_;
     AudioFifoHandle queue_;

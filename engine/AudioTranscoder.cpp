@@ -24,22 +24,11 @@ ChannelLayout layoutOf(const AVFrame& sound) {
     return layout;
 }
 
-/// Sound that cannot be encoded fails the input, which is read to its end all the same.
-PacketOutcome outcomeOf(int result) {
-    if (result < 0) {
-        logFailure("sound", "encode", result);
-    }
-    return result < 0 ? PacketOutcome::FailedGoOn : PacketOutcome::Done;
-}
-
 } // namespace
 
-AudioTranscoder::AudioTranscoder(OutputMedia& output, OutputStream& stream, AVCodecContext& decoder,
-                                 AudioEncoder encoder, Timing timing)
-    : output_(output), stream_(stream), decoder_(decoder), encoder_(std::move(encoder)),
-      stampsBySamples_(timing == Timing::Cut || encoder_.context().codec_id == AV_CODEC_ID_VORBIS),
-      // Only a cut counts anew: in a join, sound that starts at 0 again would be refused.
-      firstSample_(timing == Timing::Cut ? 0 : stream.clock.units()) {}
+AudioTranscoder::AudioTranscoder(AVCodecContext& decoder, SoundWriter writer,
+                                 std::function<double()> picturesEnd)
+    : decoder_(decoder), writer_(std::move(writer)), picturesEnd_(std::move(picturesEnd)) {}
 
 PacketOutcome AudioTranscoder::handle() {
     const PacketHandle packet = std::move(prepared_.front());
@@ -62,20 +51,15 @@ PacketOutcome AudioTranscoder::take(const AVFrame& sound) {
         return PacketOutcome::FailedEnd;
     }
     if (resampler_ == nullptr) {
-        return queue(sound);
+        return writer_.write(sound);
     }
     const FrameHandle converted = resampled(sound);
-    return converted != nullptr ? queue(*converted) : PacketOutcome::FailedEnd;
-}
-
-PacketOutcome AudioTranscoder::queue(const AVFrame& sound) {
-    const auto outcome = outcomeOf(encoder_.queue(sound));
-    return std::max(outcome, encodeWholeChunks());
+    return converted != nullptr ? writer_.write(*converted) : PacketOutcome::FailedEnd;
 }
 
 // Sound may change its format in mid-stream, so every frame is asked.
 int AudioTranscoder::prepareResampler(const AVFrame& sound) {
-    const AVCodecContext& target = encoder_.context();
+    const AVCodecContext& target = writer_.format();
     const ChannelLayout layout = layoutOf(sound);
     if (sound.sample_rate == inputRate_ && sound.format == inputFormat_ && layout == inputLayout_) {
         return 0;
@@ -105,7 +89,7 @@ int AudioTranscoder::prepareResampler(const AVFrame& sound) {
 }
 
 FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
-    const AVCodecContext& target = encoder_.context();
+    const AVCodecContext& target = writer_.format();
     FrameHandle converted(av_frame_alloc());
     if (converted == nullptr) {
         return nullptr;
@@ -133,72 +117,13 @@ FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
     return converted;
 }
 
-PacketOutcome AudioTranscoder::encodeWholeChunks() {
-    while (encoder_.hasWholeChunk()) {
-        if (const auto outcome = encodeChunk(); outcome != PacketOutcome::Done) {
-            return outcome;
-        }
-    }
-    return PacketOutcome::Done;
-}
-
-PacketOutcome AudioTranscoder::encodeChunk() {
-    std::vector<PacketHandle> packets;
-    const int result = encoder_.encodeChunk(packets);
-    return std::max(write(packets), outcomeOf(result));
-}
-
 PacketOutcome AudioTranscoder::finish() {
     prepared_.clear();
     auto outcome = PacketOutcome::Done;
-    while (!encoder_.isEmpty()) {
-        outcome = std::max(outcome, encodeChunk());
+    if (picturesEnd_ != nullptr) {
+        outcome = writer_.fillUntil(picturesEnd_());
     }
-    std::vector<PacketHandle> packets;
-    const int result = encoder_.drain(packets);
-    return std::max({outcome, write(packets), outcomeOf(result)});
-}
-
-PacketOutcome AudioTranscoder::write(const std::vector<PacketHandle>& packets) {
-    for (const PacketHandle& packet : packets) {
-        if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
-            return outcome;
-        }
-    }
-    return PacketOutcome::Done;
-}
-
-PacketOutcome AudioTranscoder::write(AVPacket& packet) {
-    PacketClock& clock = stream_.clock;
-    int samples = av_get_audio_frame_duration2(stream_.stream->codecpar, packet.size);
-    if (packet.duration > 0) {
-        samples = static_cast<int>(packet.duration);
-    }
-    if (stampsBySamples_) {
-        stampBySamples(packet);
-    } else {
-        packet.dts = clock.ticks();
-    }
-    packet.pts = packet.dts;
-    const std::int64_t dts = packet.dts; // the muxer takes the packet
-    packet.duration = clock.ticksAt(clock.units() + samples) - clock.ticks();
-    av_packet_free_side_data(&packet);
-    if (output_.write(stream_, packet) < 0) {
-        return PacketOutcome::FailedGoOn;
-    }
-    clock.continueFrom(dts);
-    clock.advance(samples);
-    return PacketOutcome::Done;
-}
-
-void AudioTranscoder::stampBySamples(AVPacket& packet) const {
-    const PacketClock& clock = stream_.clock;
-    packet.dts =
-        av_rescale_q(packet.pts + firstSample_, encoder_.context().time_base, clock.timeBase());
-    // An encoder's first packets lie before its first sample, where a joined input has ended.
-    if (firstSample_ > 0) {
-        packet.dts = std::max(packet.dts, clock.ticks());
-    }
+    return std::max(outcome, writer_.finish());
 }
 
 } // namespace velmora

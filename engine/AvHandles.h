@@ -6,6 +6,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavcodec/bsf.h>
+#include <libavcodec/vorbis_parser.h>
 #include <libavformat/avformat.h>
 #include <libavutil/channel_layout.h>
 #include <libavutil/dict.h>
@@ -33,6 +34,8 @@ using CodecContextHandle = std::unique_ptr<AVCodecContext, FreeByAddress<avcodec
 using BitstreamFilterHandle = std::unique_ptr<AVBSFContext, FreeByAddress<av_bsf_free>>;
 using PacketHandle = std::unique_ptr<AVPacket, FreeByAddress<av_packet_free>>;
 using FrameHandle = std::unique_ptr<AVFrame, FreeByAddress<av_frame_free>>;
+using VorbisParserHandle =
+    std::unique_ptr<AVVorbisParseContext, FreeByAddress<av_vorbis_parse_free>>;
 using ScalerHandle = std::unique_ptr<SwsContext, FreeByPointer<sws_freeContext>>;
 
 /// An option dictionary; libav functions that consume options get its address.

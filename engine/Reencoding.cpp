@@ -4,10 +4,13 @@
 #include "EngineLog.h"
 #include "FrameRate.h"
 #include "MediaLimits.h"
+#include "SilentInput.h"
 #include "StreamCopier.h"
 #include "VideoTranscoder.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace velmora {
 namespace {
@@ -27,6 +30,7 @@ std::size_t readAheadFor(const AVCodecContext& decoder) {
 
 int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
                            std::unique_ptr<PacketHandler>& handler) {
+    pictures_ = nullptr;
     if (isFirst) {
         if (const int result = addVideo(input, output); result < 0) {
             logFailure(input.path(), "open video encoder", result);
@@ -34,9 +38,30 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
         }
     }
     readAhead_ = readAheadFor(*input.videoDecoder());
-    handler = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
-                                                *input.videoDecoder(), encoder_, timing_);
-    return 0;
+    auto pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
+                                                      *input.videoDecoder(), encoder_, timing_);
+    pictures_ = pictures.get();
+    if (!needsSilence(input, output)) {
+        handler = std::move(pictures);
+        return 0;
+    }
+    AudioEncoder silence;
+    const int result = silence.open(audio_, output.format());
+    if (result >= 0) {
+        handler = std::make_unique<SilentInput>(output, std::move(pictures),
+                                                writerOf(std::move(silence), output));
+    }
+    return result;
+}
+
+/// Whether the input lacks the sound that the output has.
+bool Reencoding::needsSilence(const InputMedia& input, OutputMedia& output) const {
+    return timing_ == Timing::Join && output.audioStream() != nullptr &&
+           input.audioDecoder() == nullptr;
+}
+
+SoundWriter Reencoding::writerOf(AudioEncoder encoder, OutputMedia& output) const {
+    return {output, *output.audioStream(), std::move(encoder), timing_, stop_};
 }
 
 int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
@@ -69,19 +94,33 @@ int Reencoding::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
     AudioEncoder encoder;
     int result = encoder.open(audio_, output.format());
     if (result >= 0 && isFirst) {
-        OutputStream* added = output.addAudioStream({1, audio_.sampleRate});
-        result = added != nullptr ? encoder.describe(*added->stream->codecpar) : AVERROR(ENOMEM);
-        if (result >= 0) {
-            result = copyStreamDescription(*input.audioStream(), *added->stream);
-        }
+        result = addAudio(encoder, *input.audioStream(), output);
     }
     if (result < 0) {
         logFailure(input.path(), "open audio encoder", result);
         return result;
     }
-    handler = std::make_unique<AudioTranscoder>(output, *output.audioStream(),
-                                                *input.audioDecoder(), std::move(encoder), timing_);
+    std::function<double()> picturesEnd;
+    if (timing_ == Timing::Join && pictures_ != nullptr) {
+        picturesEnd = [pictures = pictures_] { return pictures->endSeconds(); };
+    }
+    handler = std::make_unique<AudioTranscoder>(
+        *input.audioDecoder(), writerOf(std::move(encoder), output), std::move(picturesEnd));
     return 0;
+}
+
+int Reencoding::addAudio(const AudioEncoder& encoder, const AVStream& source,
+                         OutputMedia& output) const {
+    OutputStream* added = output.addAudioStream({1, audio_.sampleRate});
+    if (added == nullptr) {
+        return AVERROR(ENOMEM);
+    }
+    AVCodecParameters& parameters = *added->stream->codecpar;
+    const int result = encoder.describe(parameters);
+    if (result >= 0 && timing_ == Timing::Join && audio_.codec == AV_CODEC_ID_VORBIS) {
+        added->vorbis.reset(av_vorbis_parse_init(parameters.extradata, parameters.extradata_size));
+    }
+    return result < 0 ? result : copyStreamDescription(source, *added->stream);
 }
 
 } // namespace velmora

@@ -2,36 +2,48 @@
 
 #include "Conversion.h"
 #include "OutputSettings.h"
+#include "SoundWriter.h"
+#include "StopFlag.h"
 #include "Timing.h"
 #include "VideoEncoder.h"
 
 namespace velmora {
 
+class VideoTranscoder;
+
 /// Pictures and sound are decoded and encoded anew. One video encoder takes the pictures of all
-/// inputs; each input has an audio encoder of its own.
+/// inputs; each input has an audio encoder of its own. In a join, silence follows sound that ends
+/// before its pictures, and stands in for sound that an input does not have, so that what comes
+/// next starts with its pictures.
 class Reencoding : public Conversion {
 public:
-    /// `frameRate` becomes the source's where the settings ask for that.
+    /// `frameRate` becomes the source's where the settings ask for that. Once `stop` is raised no
+    /// silence is added any more.
     Reencoding(const VideoSettings& video, const AudioSettings& audio, Timing timing,
-               double& frameRate)
-        : video_(video), audio_(audio), timing_(timing), frameRate_(frameRate) {}
+               double& frameRate, const StopFlag* stop)
+        : video_(video), audio_(audio), timing_(timing), frameRate_(frameRate), stop_(stop) {}
 
     int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<PacketHandler>& handler) override;
     /// Sound that cannot be decoded is left out.
     int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<PacketHandler>& handler) override;
-    void setUpDone(InputMedia& /*input*/) override {}
+    void setUpDone(InputMedia& /*input*/) override { pictures_ = nullptr; }
     std::size_t readAhead() const override { return readAhead_; }
 
 private:
     int addVideo(InputMedia& input, OutputMedia& output);
+    int addAudio(const AudioEncoder& encoder, const AVStream& source, OutputMedia& output) const;
+    bool needsSilence(const InputMedia& input, OutputMedia& output) const;
+    SoundWriter writerOf(AudioEncoder encoder, OutputMedia& output) const;
 
     const VideoSettings video_;
     const AudioSettings audio_;
     const Timing timing_;
     double& frameRate_; ///< pictures per second; 0.0: as the source
+    const StopFlag* stop_;
     VideoEncoder encoder_;
+    VideoTranscoder* pictures_ = nullptr; ///< of the input that is being set up; null: none
     std::size_t readAhead_ = 1;
 };
 

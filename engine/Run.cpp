@@ -9,6 +9,7 @@
 #include "OutputMedia.h"
 #include "Reencoding.h"
 #include "StreamCopier.h"
+#include "TimeOrder.h"
 
 #include <algorithm>
 #include <deque>
@@ -25,12 +26,13 @@ constexpr std::size_t kSpareUnits = 4;
 /// How the work on one input ended, or that it goes on.
 enum class Step { Continue, InputFailed, RunEnds };
 
-std::unique_ptr<Conversion> makeConversion(const Job& job, double& frameRate) {
+std::unique_ptr<Conversion> makeConversion(const Job& job, ConversionEngine& engine) {
     if (!job.reencodes) {
         return std::make_unique<DirectCopy>();
     }
     const Timing timing = job.joins ? Timing::Join : Timing::Cut;
-    return std::make_unique<Reencoding>(job.video, job.audio, timing, frameRate);
+    return std::make_unique<Reencoding>(job.video, job.audio, timing, engine.videoFrameRate,
+                                        &engine.stopRequested);
 }
 
 /// Works through the inputs of one job. Owns what is open: the input in hand, until the next, and
@@ -39,7 +41,7 @@ class JobRun {
 public:
     explicit JobRun(ConversionEngine& engine)
         : engine_(engine), job_(engine), count_(job_.inputPaths.size()),
-          conversion_(makeConversion(job_, engine.videoFrameRate)) {}
+          conversion_(makeConversion(job_, engine)) {}
 
     void execute();
 
@@ -76,6 +78,7 @@ private:
     std::optional<OutputMedia> output_;
     std::unique_ptr<Conversion> conversion_;
     std::optional<InputMedia> input_;
+    std::optional<TimeOrder> packets_; ///< of the input in hand
     /// Packets that have been read and not been handled, in order.
     struct DuePacket {
         PacketHandle packet;
@@ -114,6 +117,7 @@ void JobRun::execute() {
 Step JobRun::processInput() {
     video_.reset();
     audio_.reset();
+    packets_.reset();
     input_.reset();
     if (isStopped()) {
         return Step::RunEnds;
@@ -221,6 +225,8 @@ void JobRun::seekToStart() {
 void JobRun::handlePackets() {
     due_.clear();
     inputEnded_ = false;
+    // A cut ends by its pictures; what was read before them is its own.
+    packets_.emplace(*input_, job_.joins && job_.reencodes);
     for (;;) {
         while (due_.size() < conversion_->readAhead() && isSureToBeHandled() && readPacket()) {
             prepareLast();
@@ -252,8 +258,8 @@ bool JobRun::isSureToBeHandled() {
 }
 
 bool JobRun::readPacket() {
-    PacketHandle packet(av_packet_alloc());
-    if (inputEnded_ || packet == nullptr || input_->read(*packet) < 0) {
+    PacketHandle packet = inputEnded_ ? nullptr : packets_->next();
+    if (packet == nullptr) {
         inputEnded_ = true;
         return false;
     }

@@ -28,12 +28,23 @@ PacketOutcome VideoTranscoder::handle() {
     return write(*work);
 }
 
+double VideoTranscoder::endSeconds() {
+    return output_.videoSecondsAfter(static_cast<std::int64_t>(drained().encoded.size()));
+}
+
 PacketOutcome VideoTranscoder::finish() {
-    dropPrepared();
-    auto draining = std::make_unique<Work>();
-    draining->maxPictures = withoutPicture_;
-    submit(std::move(draining));
-    return write(*awaitFirst());
+    return write(drained());
+}
+
+const VideoTranscoder::Work& VideoTranscoder::drained() {
+    if (drained_ == nullptr) {
+        dropPrepared();
+        auto draining = std::make_unique<Work>();
+        draining->maxPictures = withoutPicture_;
+        submit(std::move(draining));
+        drained_ = awaitFirst();
+    }
+    return *drained_;
 }
 
 void VideoTranscoder::submit(std::unique_ptr<Work> work) {
@@ -101,7 +112,7 @@ void VideoTranscoder::dropPrepared() {
     }
 }
 
-PacketOutcome VideoTranscoder::write(Work& work) {
+PacketOutcome VideoTranscoder::write(const Work& work) {
     for (const PacketHandle& packet : work.encoded) {
         if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
             return outcome;

@@ -30,6 +30,9 @@ public:
     PacketOutcome handle() override;
     PacketOutcome finish() override;
 
+    /// Where the output's pictures will end, seconds. No packet of this input follows.
+    double endSeconds();
+
 private:
     /// One packet, or the end of the stream, on its way through decoder and encoder.
     struct Work {
@@ -47,7 +50,8 @@ private:
     void encode(Work& work);
     std::unique_ptr<Work> awaitFirst();
     void dropPrepared();
-    PacketOutcome write(Work& work);
+    const Work& drained();
+    PacketOutcome write(const Work& work);
     PacketOutcome write(AVPacket& packet);
     void stampForJoin(AVPacket& packet);
 
@@ -59,6 +63,7 @@ private:
     int withoutPicture_ = 0;        ///< packets whose pictures the decoder may still hold
     std::int64_t frameCounter_ = 0; ///< ticks
     std::deque<std::unique_ptr<Work>> works_;
+    std::unique_ptr<Work> drained_; ///< what the decoder held at the end; null before
     PictureScaler scaler_;
     // Each posts to the one before it, which outlives it.
     SerialWorker encoding_;

@@ -1,4 +1,4 @@
-#include "JobSupport.h"
+#include "ReencodeSupport.h"
 
 extern "C" {
 #include <libavcodec/codec_id.h>
@@ -25,67 +25,6 @@ struct Target {
     const char* audioName; ///< ffprobe's
 };
 
-class Reencode : public JobTest {
-protected:
-    Reencode() {
-        engine_.reencode = 1;
-        engine_.videoBitRate = 400'000;
-        engine_.videoWidth = 160;
-        engine_.videoHeight = 120;
-        engine_.videoFrameRate = 0.0;
-        engine_.audioBitRate = 128'000;
-        engine_.audioSampleRate = 44100;
-        engine_.audioChannels = 2;
-        choose(AV_CODEC_ID_H264, AV_CODEC_ID_AAC);
-    }
-    ~Reencode() override { engine_.reencode = 0; }
-
-    void choose(AVCodecID video, AVCodecID audio) {
-        engine_.videoCodecId = video;
-        engine_.audioCodecId = audio;
-    }
-
-    JobResult cut(const std::string& input, float startMs, float endMs, const std::string& output) {
-        return runReencoding([&] { fillCut(input, startMs, endMs, output); });
-    }
-    JobResult join(const std::vector<std::string>& inputs, const std::string& output) {
-        return runReencoding([&] { fillJoin(inputs, output); });
-    }
-
-    static nlohmann::json streamOf(const std::string& path, const std::string& stream) {
-        const auto streams =
-            ffprobeJson(path, {"-show_streams", "-select_streams", stream}).at("streams");
-        return streams.empty() ? nlohmann::json() : streams.at(0);
-    }
-
-    /// Where the last packet of the stream ends, seconds.
-    static double endOf(const std::string& path, const std::string& stream) {
-        const Fraction timeBase = fractionOf(streamOf(path, stream).at("time_base"));
-        const auto packets = packetsOf(path, stream);
-        const auto last = std::ranges::max_element(
-            packets, {}, [](const PacketFacts& packet) { return packet.pts.value_or(0); });
-        return static_cast<double>((last->pts.value() + last->duration) * timeBase.num) /
-               static_cast<double>(timeBase.den);
-    }
-
-private:
-    /// Filling the table may probe, which puts the source's values into the settings.
-    JobResult runReencoding(const std::function<void()>& fill) {
-        const std::array settings = {engine_.videoCodecId,  engine_.audioCodecId,
-                                     engine_.videoBitRate,  engine_.audioBitRate,
-                                     engine_.audioChannels, engine_.audioSampleRate};
-        fill();
-        engine_.videoCodecId = settings[0];
-        engine_.audioCodecId = settings[1];
-        engine_.videoBitRate = settings[2];
-        engine_.audioBitRate = settings[3];
-        engine_.audioChannels = settings[4];
-        engine_.audioSampleRate = settings[5];
-        engine_.reencode = 1;
-        return run();
-    }
-};
-
 class ReencodeTo : public Reencode, public testing::WithParamInterface<Target> {};
 
 TEST_P(ReencodeTo, Cut_has_the_settings_and_decodes) {
@@ -95,11 +34,11 @@ TEST_P(ReencodeTo, Cut_has_the_settings_and_decodes) {
 
     EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 2000, output).states, std::vector{1});
 
-    const auto video = streamOf(output, "v:0");
+    const auto video = fieldsOf(output, "v:0");
     EXPECT_EQ(video.at("codec_name"), target.videoName);
     EXPECT_EQ(video.at("width"), 160);
     EXPECT_EQ(video.at("height"), 120);
-    const auto audio = streamOf(output, "a:0");
+    const auto audio = fieldsOf(output, "a:0");
     EXPECT_EQ(audio.at("codec_name"), target.audioName);
     EXPECT_EQ(audio.at("sample_rate"), "44100");
     EXPECT_EQ(audio.at("channels"), 2);
@@ -134,7 +73,7 @@ TEST_F(Reencode, Pictures_are_numbered_one_frame_apart) {
     EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 2000, output).states, std::vector{1});
 
     const auto packets = packetsOf(output, "v:0");
-    const Fraction timeBase = fractionOf(streamOf(output, "v:0").at("time_base"));
+    const Fraction timeBase = fractionOf(fieldsOf(output, "v:0").at("time_base"));
     const Numbering numbering(timeBase, {1001, 30000});
     for (std::size_t i = 0; i < packets.size(); ++i) {
         ASSERT_EQ(packets[i].dts, numbering.at(static_cast<std::int64_t>(i))) << i;
@@ -146,7 +85,7 @@ TEST_F(Reencode, Pictures_are_numbered_one_frame_apart) {
 // written, and the one that the encoder holds is not.
 TEST_F(Reencode, CutOfReorderedPictures_is_drained_by_the_count_without_picture) {
     const std::string output = folder_ / "out.mp4";
-    const auto delay = streamOf(mediaPath("h264-bframes.mp4"), "v:0").at("has_b_frames").get<int>();
+    const auto delay = fieldsOf(mediaPath("h264-bframes.mp4"), "v:0").at("has_b_frames").get<int>();
     ASSERT_GT(delay, 0);
 
     EXPECT_EQ(cut(mediaPath("h264-bframes.mp4"), 0, 2000, output).states, std::vector{1});
@@ -163,7 +102,7 @@ TEST_F(Reencode, EveryTwelfthPicture_at_most_is_a_key_picture) {
     for (std::size_t i = 0; i < packets.size(); i += 12) {
         EXPECT_EQ(packets[i].flags.front(), 'K') << i;
     }
-    EXPECT_EQ(streamOf(output, "v:0").at("has_b_frames"), 0);
+    EXPECT_EQ(fieldsOf(output, "v:0").at("has_b_frames"), 0);
 }
 
 TEST_F(Reencode, SourceRate_is_put_into_the_settings) {
@@ -182,7 +121,7 @@ TEST_F(Reencode, AacBelowItsLeastBitRate_gets_that) {
 
     EXPECT_EQ(cut(noise, 0, 4000, output).states, std::vector{1});
 
-    const double bitRate = std::stod(streamOf(output, "a:0").at("bit_rate").get<std::string>());
+    const double bitRate = std::stod(fieldsOf(output, "a:0").at("bit_rate").get<std::string>());
     EXPECT_NEAR(bitRate, 128'000.0, 10'000.0);
 }
 
@@ -250,7 +189,7 @@ TEST_F(Reencode, SourceWithoutSound_gives_pictures_alone) {
 
     EXPECT_EQ(cut(mediaPath("video-only.mp4"), 0, 1000, output).states, std::vector{1});
 
-    EXPECT_TRUE(streamOf(output, "a:0").is_null());
+    EXPECT_TRUE(fieldsOf(output, "a:0").is_null());
     EXPECT_TRUE(ffmpegDecodesClean(output));
 }
 
@@ -260,7 +199,7 @@ TEST_F(Reencode, RotatedSource_stays_upright) {
     EXPECT_EQ(cut(mediaPath("tagged-rotated.mp4"), 0, 1000, output).states, std::vector{1});
 
     const auto rotationOf = [](const std::string& path) {
-        return streamOf(path, "v:0").at("side_data_list").at(0).at("rotation");
+        return fieldsOf(path, "v:0").at("side_data_list").at(0).at("rotation");
     };
     EXPECT_EQ(rotationOf(output), rotationOf(mediaPath("tagged-rotated.mp4")));
 }
@@ -308,7 +247,7 @@ TEST_F(Reencode, RgbSource_is_tagged_by_a_matrix_that_players_know) {
 
     EXPECT_EQ(cut(red, 0, 400, output).states, std::vector{1});
 
-    EXPECT_EQ(streamOf(output, "v:0").at("color_space"), "smpte170m");
+    EXPECT_EQ(fieldsOf(output, "v:0").at("color_space"), "smpte170m");
     EXPECT_NEAR(lumaOf(output), 81.0, 3.0);
 }
 

@@ -1,0 +1,125 @@
+#include "SoundWriter.h"
+
+#include "EngineLog.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora {
+namespace {
+
+/// Sound that cannot be encoded fails the input, which is read to its end all the same.
+PacketOutcome outcomeOf(int result) {
+    if (result < 0) {
+        logFailure("sound", "encode", result);
+    }
+    return result < 0 ? PacketOutcome::FailedGoOn : PacketOutcome::Done;
+}
+
+} // namespace
+
+SoundWriter::SoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder encoder,
+                         Timing timing, const StopFlag* stop)
+    : output_(output), stream_(stream), encoder_(std::move(encoder)),
+      stampsBySamples_(timing == Timing::Cut || format().codec_id == AV_CODEC_ID_VORBIS),
+      // Only a cut counts anew: in a join, sound that starts at 0 again would be refused.
+      firstSample_(timing == Timing::Cut ? 0 : stream.clock.units()),
+      startSeconds_(stream.clock.seconds()), stop_(stop) {}
+
+PacketOutcome SoundWriter::write(const AVFrame& sound) {
+    const auto outcome = outcomeOf(encoder_.queue(sound));
+    return std::max(outcome, encodeWholeChunks());
+}
+
+PacketOutcome SoundWriter::fillUntil(double seconds) {
+    auto outcome = PacketOutcome::Done;
+    while (outcome == PacketOutcome::Done && !isRaised(stop_) &&
+           secondsAfter(encoder_.frameSize()) <= seconds) {
+        outcome = std::max(outcomeOf(encoder_.queueSilence()), encodeWholeChunks());
+    }
+    return outcome;
+}
+
+/// Where the output's sound is once all that was given to the encoder, and `samples` more, have
+/// been written.
+double SoundWriter::secondsAfter(std::int64_t samples) const {
+    const auto taken = static_cast<double>(encoder_.taken() + samples);
+    return startSeconds_ + taken / format().sample_rate;
+}
+
+PacketOutcome SoundWriter::finish() {
+    auto outcome = PacketOutcome::Done;
+    while (!encoder_.isEmpty()) {
+        outcome = std::max(outcome, encodeChunk());
+    }
+    std::vector<PacketHandle> packets;
+    const int result = encoder_.drain(packets);
+    return std::max({outcome, write(packets), outcomeOf(result)});
+}
+
+PacketOutcome SoundWriter::encodeWholeChunks() {
+    while (encoder_.hasWholeChunk()) {
+        if (const auto outcome = encodeChunk(); outcome != PacketOutcome::Done) {
+            return outcome;
+        }
+    }
+    return PacketOutcome::Done;
+}
+
+PacketOutcome SoundWriter::encodeChunk() {
+    std::vector<PacketHandle> packets;
+    const int result = encoder_.encodeChunk(packets);
+    return std::max(write(packets), outcomeOf(result));
+}
+
+PacketOutcome SoundWriter::write(const std::vector<PacketHandle>& packets) {
+    for (const PacketHandle& packet : packets) {
+        if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
+            return outcome;
+        }
+    }
+    return PacketOutcome::Done;
+}
+
+PacketOutcome SoundWriter::write(AVPacket& packet) {
+    PacketClock& clock = stream_.clock;
+    const int samples = samplesIn(packet);
+    if (stampsBySamples_) {
+        stampBySamples(packet);
+    } else {
+        packet.dts = clock.ticks();
+    }
+    packet.pts = packet.dts;
+    const std::int64_t dts = packet.dts; // the muxer takes the packet
+    packet.duration = clock.ticksAt(clock.units() + samples) - clock.ticks();
+    av_packet_free_side_data(&packet);
+    if (output_.write(stream_, packet) < 0) {
+        return PacketOutcome::FailedGoOn;
+    }
+    clock.continueFrom(dts);
+    clock.advance(samples);
+    return PacketOutcome::Done;
+}
+
+/// How many a decoder makes of it.
+int SoundWriter::samplesIn(const AVPacket& packet) const {
+    if (stream_.vorbis != nullptr) {
+        // Depends on the packet before, which may be the last one of the input before: the encoder,
+        // made for this input, cannot know that, and its first and last packets end up longer.
+        return std::max(av_vorbis_parse_frame(stream_.vorbis.get(), packet.data, packet.size), 0);
+    }
+    return packet.duration > 0
+               ? static_cast<int>(packet.duration)
+               : av_get_audio_frame_duration2(stream_.stream->codecpar, packet.size);
+}
+
+void SoundWriter::stampBySamples(AVPacket& packet) const {
+    const PacketClock& clock = stream_.clock;
+    packet.dts = av_rescale_q(packet.pts + firstSample_, format().time_base, clock.timeBase());
+    // An encoder's first packets lie before its first sample, where a joined input has ended.
+    if (firstSample_ > 0) {
+        packet.dts = std::max(packet.dts, clock.ticks());
+    }
+}
+
+} // namespace velmora

@@ -1,0 +1,132 @@
+#include "ReencodeSupport.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+
+namespace velmora::test {
+namespace {
+
+std::string decoded(const std::string& path, const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{"ffmpeg", "-v", "error", "-nostdin", "-i", "file:" + path};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    command.emplace_back("-");
+    ProgramResult result = runProgram(command);
+    if (result.status != 0) {
+        throw std::runtime_error(path + ": " + result.errors);
+    }
+    return std::move(result.output);
+}
+
+std::vector<double> pictureTimes(const std::string& path) {
+    const auto frames = ffprobeJson(path, {"-select_streams", "v:0", "-show_frames",
+                                           "-show_entries", "frame=best_effort_timestamp_time"})
+                            .at("frames");
+    std::vector<double> times;
+    for (const auto& frame : frames) {
+        times.push_back(
+            std::stod(frame.at("best_effort_timestamp_time").template get<std::string>()));
+    }
+    return times;
+}
+
+} // namespace
+
+Reencode::Reencode() {
+    engine_.reencode = 1;
+    engine_.videoBitRate = 400'000;
+    engine_.videoWidth = 160;
+    engine_.videoHeight = 120;
+    engine_.videoFrameRate = 0.0;
+    engine_.audioBitRate = 128'000;
+    engine_.audioSampleRate = 44100;
+    engine_.audioChannels = 2;
+    choose(AV_CODEC_ID_H264, AV_CODEC_ID_AAC);
+}
+
+void Reencode::choose(AVCodecID video, AVCodecID audio) {
+    engine_.videoCodecId = video;
+    engine_.audioCodecId = audio;
+}
+
+JobResult Reencode::cut(const std::string& input, float startMs, float endMs,
+                        const std::string& output) {
+    return runReencoding([&] { fillCut(input, startMs, endMs, output); });
+}
+
+JobResult Reencode::join(const std::vector<std::string>& inputs, const std::string& output) {
+    return runReencoding([&] { fillJoin(inputs, output); });
+}
+
+/// Filling the table may probe, which puts the source's values into the settings.
+JobResult Reencode::runReencoding(const std::function<void()>& fill) {
+    const std::array settings = {engine_.videoCodecId,  engine_.audioCodecId,
+                                 engine_.videoBitRate,  engine_.audioBitRate,
+                                 engine_.audioChannels, engine_.audioSampleRate};
+    fill();
+    engine_.videoCodecId = settings[0];
+    engine_.audioCodecId = settings[1];
+    engine_.videoBitRate = settings[2];
+    engine_.audioBitRate = settings[3];
+    engine_.audioChannels = settings[4];
+    engine_.audioSampleRate = settings[5];
+    engine_.reencode = 1;
+    return run();
+}
+
+nlohmann::json fieldsOf(const std::string& path, const std::string& stream) {
+    const auto streams =
+        ffprobeJson(path, {"-show_streams", "-select_streams", stream}).at("streams");
+    return streams.empty() ? nlohmann::json() : streams.at(0);
+}
+
+double endOf(const std::string& path, const std::string& stream) {
+    const Fraction timeBase = fractionOf(fieldsOf(path, stream).at("time_base"));
+    const auto packets = packetsOf(path, stream);
+    const auto last = std::ranges::max_element(
+        packets, {}, [](const PacketFacts& packet) { return packet.pts.value_or(0); });
+    return static_cast<double>((last->pts.value() + last->duration) * timeBase.num) /
+           static_cast<double>(timeBase.den);
+}
+
+std::vector<double> flashesIn(const std::string& path) {
+    const std::string pixels = decoded(path, {"-map", "0:v", "-vsync", "passthrough", "-vf",
+                                              "scale=1:1,format=gray", "-f", "rawvideo"});
+    const auto times = pictureTimes(path);
+    const auto isBright = [&](std::size_t picture) {
+        return static_cast<unsigned char>(pixels.at(picture)) > 128;
+    };
+    std::vector<double> flashes;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        if (isBright(i) && (i == 0 || !isBright(i - 1))) {
+            flashes.push_back(times.at(i));
+        }
+    }
+    return flashes;
+}
+
+std::vector<double> beepsIn(const std::string& path) {
+    constexpr int rate = 44100;
+    constexpr float loud = 0.2F;
+    constexpr std::size_t quietBefore = rate / 20;
+    // Gaps between the packets become silence, so that the place of a sample is its time.
+    const std::string bytes =
+        decoded(path, {"-map", "0:a", "-af", "aresample=async=1:first_pts=0", "-ac", "1", "-ar",
+                       std::to_string(rate), "-f", "f32le"});
+    std::vector<float> samples(bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
+    std::vector<double> beeps;
+    std::size_t quiet = quietBefore;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const bool isLoud = std::abs(samples[i]) > loud;
+        if (isLoud && quiet >= quietBefore) {
+            beeps.push_back(static_cast<double>(i) / rate);
+        }
+        quiet = isLoud ? 0 : quiet + 1;
+    }
+    return beeps;
+}
+
+} // namespace velmora::test

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "JobSupport.h"
+
+extern "C" {
+#include <libavcodec/codec_id.h>
+}
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace velmora::test {
+
+/// A test of re-encoding jobs. The settings ask for H.264 and AAC, 160 x 120, the source's rate,
+/// 44,100 Hz and two channels, until a test asks for something else.
+class Reencode : public JobTest {
+protected:
+    Reencode();
+    ~Reencode() override { engine_.reencode = 0; }
+
+    void choose(AVCodecID video, AVCodecID audio);
+
+    JobResult cut(const std::string& input, float startMs, float endMs, const std::string& output);
+    JobResult join(const std::vector<std::string>& inputs, const std::string& output);
+
+private:
+    JobResult runReencoding(const std::function<void()>& fill);
+};
+
+/// What ffprobe tells of the stream; null when there is none.
+nlohmann::json fieldsOf(const std::string& path, const std::string& stream);
+
+/// Where the last packet of the stream ends, seconds.
+double endOf(const std::string& path, const std::string& stream);
+
+/// When bright pictures begin to follow dark ones, and loud sound to follow quiet sound, seconds.
+std::vector<double> flashesIn(const std::string& path);
+std::vector<double> beepsIn(const std::string& path);
+
+} // namespace velmora::test
