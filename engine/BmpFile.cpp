@@ -71,6 +71,9 @@ bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
 }
 
 void flipRows(std::uint8_t* pixels, std::size_t stride, std::size_t height) {
+    if (stride == 0) {
+        return; // there may be billions of rows with nothing in them
+    }
     for (std::size_t row = 0; row < height / 2; ++row) {
         std::swap_ranges(pixels + row * stride, pixels + (row + 1) * stride,
                          pixels + (height - 1 - row) * stride);

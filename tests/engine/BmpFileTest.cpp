@@ -132,6 +132,12 @@ TEST_F(WriteBmp, PictureWithoutPixels_is_a_header) {
     EXPECT_EQ(readFile(folder / "picture.bmp"), bmpFileOf({}, 0, 0));
 }
 
+TEST_F(WriteBmp, BillionsOfRowsWithoutPixels_are_a_header) {
+    const TemporaryFolder folder;
+    ConversionEngine::writeBmp(nullptr, folder / "picture.bmp", 0, 2'000'000'000);
+    EXPECT_EQ(readFile(folder / "picture.bmp").size(), 54U);
+}
+
 TEST_F(WriteBmp, NegativeSize_writes_nothing) {
     const TemporaryFolder folder;
     ConversionEngine::writeBmp(nullptr, folder / "picture.bmp", -4, 3);
