@@ -75,7 +75,7 @@ void TimeOrder::hold(PacketHandle packet) {
     }
     const std::int64_t time = packet->dts != AV_NOPTS_VALUE ? packet->dts : packet->pts;
     if (time != AV_NOPTS_VALUE) {
-        stream->lastUs = av_rescale_q(time, stream->timeBase, AV_TIME_BASE_Q);
+        stream->lastUs = av_rescale_q(time, stream->timeBase, av_get_time_base_q());
     }
     heldBytes_ += packet->size;
     stream->held.push_back({std::move(packet), stream->lastUs});

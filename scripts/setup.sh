@@ -11,7 +11,7 @@ for group in "$@"; do
         run)   packages+=(ffmpeg) ;;
         test)  packages+=(ffmpeg libgtest-dev clang-format) ;;
         check) packages+=(clang-format clang-tidy) ;;
-        fuzz)  packages+=(clang libclang-rt-14-dev ffmpeg) ;;
+        fuzz)  packages+=(clang libclang-rt-14-dev libplist-utils ffmpeg) ;;
         *)     echo "setup: unknown group '$group'" >&2; exit 2 ;;
     esac
 done
