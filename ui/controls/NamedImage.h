@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+#include <QString>
+
+#include <vector>
+
+class QPainter;
+
+namespace velmora {
+
+/// An image of the application's resources, in all the sharpnesses that there are of it.
+class NamedImage {
+public:
+    /// No image: has no name and no size and draws nothing.
+    NamedImage() = default;
+    /// The image "images/`name`.png" and its variants "@2x" and "@3x"; none if it cannot be read.
+    explicit NamedImage(const QString& name);
+    /// A picture from elsewhere, without a name.
+    explicit NamedImage(const QImage& picture);
+
+    bool isNull() const { return variants_.empty(); }
+    const QString& name() const { return name_; }
+    /// Of the plain variant, in pixels.
+    QSize size() const;
+    /// Fills `target`, in the painter's coordinates, with the variant that suits the painter's
+    /// device.
+    void draw(QPainter& painter, const QRect& target) const;
+
+private:
+    const QImage& variantFor(double ratio) const;
+
+    QString name_;
+    std::vector<QImage> variants_; ///< plain, twice, three times the size
+};
+
+} // namespace velmora
