@@ -1,8 +1,8 @@
 #include "CommonAction.h"
 
-#include "SharedState.h"
-
 #include <QFileInfo>
+
+#include <utility>
 
 namespace velmora {
 
@@ -21,11 +21,14 @@ std::int32_t CommonAction::getCount() {
 }
 
 std::shared_ptr<NodeInfo> CommonAction::getSeleteObject(std::int32_t index) {
-    const std::int32_t count = getCount();
-    if (count == 0)
+    return sharedFileList ? entryAt(*sharedFileList, index) : nullptr;
+}
+
+std::shared_ptr<NodeInfo> CommonAction::entryAt(const FileList& list, std::int32_t index) {
+    if (list.empty())
         return nullptr;
-    const bool inside = index >= 0 && index < count;
-    return inside ? (*sharedFileList)[static_cast<std::size_t>(index)] : sharedFileList->back();
+    const bool inside = index >= 0 && std::cmp_less(index, list.size());
+    return inside ? list[static_cast<std::size_t>(index)] : list.back();
 }
 
 bool CommonAction::fileExist(const QString& path) {

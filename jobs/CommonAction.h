@@ -1,13 +1,13 @@
 #pragma once
 
+#include "SharedState.h"
+
 #include <QString>
 
 #include <cstdint>
 #include <memory>
 
 namespace velmora {
-
-struct NodeInfo;
 
 /// Helpers over the shared file list, which counts as empty while there is none.
 class CommonAction {
@@ -21,6 +21,8 @@ public:
     static std::int32_t getCount();
     /// The entry at `index`; the last one when there is none at `index`; null in an empty list.
     static std::shared_ptr<NodeInfo> getSeleteObject(std::int32_t index);
+    /// Likewise for any list.
+    static std::shared_ptr<NodeInfo> entryAt(const FileList& list, std::int32_t index);
     /// Whether the file system has an entry at `path`.
     static bool fileExist(const QString& path);
 };

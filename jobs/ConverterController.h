@@ -1,0 +1,80 @@
+#pragma once
+
+#include "ConverterInfo.h"
+#include "SharedState.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+
+class QProgressBar;
+
+namespace velmora {
+
+class ConversionRun;
+class ProgressWindow;
+
+/// Starts runs and owns the window that shows how far they are. Twice a second it looks at the
+/// engine's counters, puts results into the items and, once for each run, tells the outcome.
+///
+/// A run goes on when its window is closed by the close box. Then the next one waits for it, behind
+/// its own window, also when another controller has started it. Main thread.
+class ConverterController : public QObject {
+    Q_OBJECT
+
+public:
+    ConverterController();
+    /// Asks a run that still goes on to stop and waits for it.
+    ~ConverterController() override;
+
+    /// Runs the job over the shared list and shows the window modally. Returns when the window has
+    /// been closed or the run has ended.
+    void showConverterFrom(const ConverterInfo& job);
+    /// What the timer does: brings window and items up to date.
+    void refreshProgree();
+    /// Puts the results so far into the items and ends the modal session. Always true.
+    bool windowShouldClose();
+    /// What the Cancel button does: stops the run and closes the window. No outcome is told.
+    void closeFrom();
+
+    QProgressBar* singleProgress() const { return singleProgress_; }
+    void setSingleProgress(QProgressBar* bar) { singleProgress_ = bar; }
+    QProgressBar* totleProgress() const { return totleProgress_; }
+    void setTotleProgress(QProgressBar* bar) { totleProgress_ = bar; }
+
+private:
+    enum class Outcome { Completed, Failed };
+
+    void loadWindow();
+    void startNext();
+    void awaitTurn();
+    void takeTurn();
+
+    FileList items() const;
+    void showStart();
+    void showItem(const FileList& items);
+    void showTotal();
+    void showTime();
+    void takeResults(const FileList& items);
+    void copyStates(const FileList& items, std::int32_t count);
+    void endWith(Outcome outcome);
+    void tell(Outcome outcome);
+    void performClose();
+    void stopOwnSession();
+
+    std::unique_ptr<ProgressWindow> winConverterController_;
+    QProgressBar* singleProgress_ = nullptr;             ///< 0 to 100; the window's
+    QProgressBar* totleProgress_ = nullptr;              ///< 0 to 100; the window's
+    QTimer* refreshTimer_;                               ///< a child of this
+    std::int32_t iConverted_ = 0;                        ///< not used
+    std::unique_ptr<ConversionRun> run_;                 ///< the latest one that was started here
+    std::deque<std::unique_ptr<ConversionRun>> waiting_; ///< for the engine, oldest first
+    QElapsedTimer sinceStart_;
+};
+
+} // namespace velmora

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QLabel>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class ConverterFrom;
+}
+
+namespace velmora {
+
+/// The window of the interface description "ConverterFrom". Main thread.
+class ProgressWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    ProgressWindow();
+    ~ProgressWindow() override;
+
+    /// The widgets, by their names.
+    const Ui::ConverterFrom& outlets() const { return *outlets_; }
+    /// Sets a label's text, also for those who cannot see it.
+    static void show(QLabel& label, const QString& text);
+    using QWidget::show;
+
+    /// Asked when the window is about to close.
+    std::function<bool()> shouldClose;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    /// Esc cancels.
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    std::unique_ptr<Ui::ConverterFrom> outlets_;
+};
+
+} // namespace velmora

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ConversionEngine.h"
+#include "ConverterController.h"
+#include "JobsSupport.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStringList>
+#include <QTimer>
+
+#include <functional>
+
+namespace velmora::test {
+
+/// Answers alerts as a user does, with their default button, and keeps what they said.
+class AlertReader {
+public:
+    AlertReader();
+
+    QStringList messages;
+    QStringList titles;
+    QStringList buttons; ///< the labels of each, joined
+
+private:
+    void answer();
+
+    QTimer timer_;
+};
+
+inline const QString kCompleted = "Congratulations! file has completed!";
+inline const QString kFailed = "File failed! please use re-encoding mode";
+
+/// A test with a progress window, whose alerts are answered.
+class ControllerTest : public SharedStateTest {
+protected:
+    ControllerTest();
+
+    /// Runs a job over the shared list, and `inside` when the window is on screen.
+    void show(ConverterController& controller, const ConverterInfo& job,
+              const std::function<void()>& inside = {});
+    /// Cuts or joins by copying packets.
+    ConverterInfo directJob(const std::string& name, int isCutter = 1) const;
+    /// Re-encodes to pictures of this size; the larger, the slower.
+    ConverterInfo slowJob(const std::string& name, int width, int height) const;
+
+    /// The window of a controller; fails the test when there is none.
+    static QWidget& windowOf(const ConverterController& controller);
+    static QString textOf(const ConverterController& controller, const char* label);
+    static bool isRefreshing(const ConverterController& controller);
+    /// Sets the counters as a run would; states that are not given are pending.
+    void setCounters(int index, int count, int percent, const std::vector<int>& states = {});
+    /// Lets events be handled until so many alerts have been answered.
+    bool waitForAlerts(qsizetype count) const;
+
+    ConversionEngine& engine_ = ConversionEngine::instance();
+    AlertReader alerts_;
+};
+
+} // namespace velmora::test

@@ -1,0 +1,297 @@
+#include "ControllerSupport.h"
+#include "MediaReader.h"
+#include "ModalSession.h"
+
+#include <QtTest>
+
+namespace velmora::test {
+namespace {
+
+class ConverterControllerTest : public ControllerTest {
+protected:
+    /// Three items named one, two and three, without a run.
+    void addThree() {
+        for (const char* name : {"/a/one.mp4", "/a/two.mp4", "/a/three.mp4"})
+            addItem(name, 0, 1000).isSeleted = 1;
+    }
+    NodeInfo& item(std::size_t index) { return *sharedFileList->at(index); }
+    std::vector<int> states() const {
+        std::vector<int> all;
+        for (const auto& each : *sharedFileList)
+            all.push_back(each->converteState);
+        return all;
+    }
+
+    ConverterController controller_;
+};
+
+TEST_F(ConverterControllerTest, tick_counters_areShown) {
+    addThree();
+    setCounters(1, 3, 45, {1});
+    controller_.refreshProgree();
+    EXPECT_EQ(textOf(controller_, "singleTxt"),
+              "Current File Converting: two.mp4 45% has completed");
+    EXPECT_EQ(textOf(controller_, "totleTxt"),
+              "Total Progress: 1 Task Completed / Total 3 Task(s)");
+    EXPECT_EQ(controller_.totleProgress()->value(), 33);
+    EXPECT_EQ(controller_.singleProgress()->value(), 45);
+    EXPECT_EQ(states(), (std::vector{1, 0, 0}));
+    EXPECT_EQ(item(0).isSeleted, 0);
+    EXPECT_EQ(item(1).isSeleted, 1);
+    EXPECT_TRUE(alerts_.messages.isEmpty());
+}
+
+TEST_F(ConverterControllerTest, tick_percentMinus1_keepsItemLineAndBar) {
+    addThree();
+    setCounters(0, 3, 45);
+    controller_.refreshProgree();
+    setCounters(1, 3, -1, {1});
+    controller_.refreshProgree();
+    EXPECT_EQ(textOf(controller_, "singleTxt"),
+              "Current File Converting: one.mp4 45% has completed");
+    EXPECT_EQ(controller_.singleProgress()->value(), 45);
+    EXPECT_EQ(controller_.totleProgress()->value(), 33);
+}
+
+TEST_F(ConverterControllerTest, tick_percentAbove100_keepsTheBar) {
+    addThree();
+    setCounters(0, 3, 100);
+    controller_.refreshProgree();
+    EXPECT_EQ(controller_.singleProgress()->value(), 100);
+    setCounters(0, 3, 10);
+    controller_.refreshProgree();
+    setCounters(0, 3, 101);
+    controller_.refreshProgree();
+    EXPECT_EQ(controller_.singleProgress()->value(), 10);
+}
+
+TEST_F(ConverterControllerTest, tick_beforeTheRunCounts_namesTheLastItem) {
+    addThree();
+    setCounters(-1, 3, 0);
+    controller_.refreshProgree();
+    EXPECT_EQ(textOf(controller_, "singleTxt"),
+              "Current File Converting: three.mp4 0% has completed");
+    EXPECT_EQ(textOf(controller_, "totleTxt"),
+              "Total Progress: -1 Task Completed / Total 3 Task(s)");
+    EXPECT_EQ(controller_.totleProgress()->value(), 0);
+    EXPECT_EQ(states(), (std::vector{0, 0, 0}));
+}
+
+TEST_F(ConverterControllerTest, tick_noJobs_dividesByNothing) {
+    setCounters(0, 0, 0);
+    controller_.refreshProgree();
+    EXPECT_EQ(textOf(controller_, "totleTxt"),
+              "Total Progress: 0 Task Completed / Total 0 Task(s)");
+    EXPECT_TRUE(alerts_.messages.isEmpty());
+}
+
+TEST_F(ConverterControllerTest, tick_nameWithMarksOfAnyKind_isShownAsItIs) {
+    addItem("/a/<b>%1 %2.mp4", 0, 1);
+    setCounters(0, 1, 5);
+    controller_.refreshProgree();
+    EXPECT_EQ(textOf(controller_, "singleTxt"),
+              "Current File Converting: <b>%1 %2.mp4 5% has completed");
+}
+
+TEST_F(ConverterControllerTest, lastTick_firstItemFailed_saysSoWhateverTheOthersDid) {
+    addThree();
+    setCounters(3, 3, 100, {2, 1, 1});
+    controller_.refreshProgree();
+    EXPECT_EQ(alerts_.messages, QStringList{kFailed});
+    EXPECT_EQ(states(), (std::vector<int>{Failure, Completed, Completed}));
+    EXPECT_EQ(item(2).isSeleted, 0);
+}
+
+TEST_F(ConverterControllerTest, lastTick_firstItemDone_congratulatesWhateverTheOthersDid) {
+    addThree();
+    setCounters(3, 3, 100, {1, 2, 255});
+    controller_.refreshProgree();
+    EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
+    EXPECT_EQ(alerts_.titles, QStringList{QGuiApplication::applicationDisplayName()});
+    EXPECT_EQ(alerts_.buttons, QStringList{"OK"});
+    EXPECT_EQ(states(), (std::vector{1, 2, -1}));
+    EXPECT_EQ(controller_.totleProgress()->value(), 100);
+    EXPECT_EQ(controller_.singleProgress()->value(), 100);
+}
+
+TEST_F(ConverterControllerTest, ticksAfterTheLast_sayNothingMore) {
+    addThree();
+    setCounters(3, 3, 100, {1, 1, 1});
+    controller_.refreshProgree();
+    EXPECT_EQ(engine_.jobCount, 4);
+    controller_.refreshProgree();
+    EXPECT_EQ(alerts_.messages.size(), 1);
+}
+
+TEST_F(ConverterControllerTest, tickOfAStoppedRun_closesWithoutMessage) {
+    addThree();
+    setCounters(3, 3, 100, {1, 1, 1});
+    engine_.stopRequested = 1;
+    controller_.findChild<QTimer*>("refreshTimer")->start();
+    controller_.refreshProgree();
+    EXPECT_FALSE(isRefreshing(controller_));
+    EXPECT_TRUE(alerts_.messages.isEmpty());
+    EXPECT_EQ(states(), (std::vector{1, 1, 1}));
+    EXPECT_EQ(item(0).isSeleted, 1);
+}
+
+TEST_F(ConverterControllerTest, windowShouldClose_copiesStatesOnly) {
+    addThree();
+    setCounters(2, 3, 10, {1, 2});
+    EXPECT_TRUE(controller_.windowShouldClose());
+    EXPECT_EQ(states(), (std::vector{1, 2, 0}));
+    EXPECT_EQ(item(0).isSeleted, 1);
+}
+
+TEST_F(ConverterControllerTest, refreshTimer_ticksEveryHalfSecond) {
+    const auto* timer = controller_.findChild<QTimer*>("refreshTimer");
+    EXPECT_EQ(timer->interval(), 500);
+    EXPECT_FALSE(timer->isSingleShot());
+}
+
+TEST_F(ConverterControllerTest, run_completed_isToldOnceAndClosesTheWindow) {
+    addItem(mediaPath("h264.mp4"), 0, 1000).isSeleted = 1;
+    show(controller_, directJob("out.mp4"), [&] {
+        EXPECT_EQ(modalWindow(), &windowOf(controller_));
+        EXPECT_EQ(controller_.totleProgress()->value(), 0);
+        EXPECT_TRUE(isRefreshing(controller_));
+    });
+    EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
+    EXPECT_EQ(states(), std::vector<int>{Completed});
+    EXPECT_EQ(item(0).isSeleted, 0);
+    EXPECT_FALSE(windowOf(controller_).isVisible());
+    EXPECT_FALSE(isRefreshing(controller_));
+    EXPECT_EQ(packetsOf(folder_ / "out.mp4", "v:0").size(), 30U);
+}
+
+TEST_F(ConverterControllerTest, runsOneAfterTheOther_areEachToldOnce) {
+    const QStringList expected{kCompleted, kFailed, kCompleted};
+    for (qsizetype round = 0; round < expected.size(); ++round) {
+        sharedFileList->clear();
+        addItem(round == 1 ? "/nowhere/in.mp4" : mediaPath("h264.mp4"), 0, 500);
+        show(controller_, directJob("out" + std::to_string(round) + ".mp4"));
+        EXPECT_EQ(alerts_.messages, expected.first(round + 1));
+        EXPECT_EQ(states(), std::vector<int>{round == 1 ? Failure : Completed});
+    }
+}
+
+TEST_F(ConverterControllerTest, join_countsItsItems) {
+    for (int i = 0; i < 3; ++i)
+        addItem(mediaPath("h264.mp4"), 0, 4);
+    show(controller_, directJob("out.mp4", 0));
+    EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
+    EXPECT_EQ(states(), (std::vector{1, 1, 1}));
+    EXPECT_EQ(packetsOf(folder_ / "out.mp4", "v:0").size(), 360U);
+}
+
+TEST_F(ConverterControllerTest, join_withoutAReadableFirst_fails) {
+    addItem("/nowhere/in.mp4", 0, 4);
+    addItem(mediaPath("h264.mp4"), 0, 4);
+    show(controller_, directJob("out.mp4", 0));
+    EXPECT_EQ(alerts_.messages, QStringList{kFailed});
+    EXPECT_EQ(states(), (std::vector<int>{Failure, Failure}));
+}
+
+TEST_F(ConverterControllerTest, runThatEndsEarly_isToldAsFailed) {
+    addItem(mediaPath("audio-only.m4a"), 0, 1000);
+    addItem(mediaPath("h264.mp4"), 0, 1000);
+    item(1).converteState = Completed; // of an earlier run
+    show(controller_, directJob("out.mp4", 0));
+    EXPECT_EQ(alerts_.messages, QStringList{kFailed});
+    EXPECT_EQ(states(), (std::vector{-1, -1}));
+    EXPECT_FALSE(windowOf(controller_).isVisible());
+    EXPECT_FALSE(isRefreshing(controller_));
+}
+
+TEST_F(ConverterControllerTest, runWithoutItems_doesNotStayOpen) {
+    show(controller_, directJob("out.mp4"));
+    EXPECT_EQ(alerts_.messages, QStringList{kFailed});
+}
+
+TEST_F(ConverterControllerTest, countersOfAnEarlierRun_areNotTakenForThisOne) {
+    addItem("/nowhere/in.mp4", 0, 1000);
+    setCounters(1, 1, 100, {1});
+    show(controller_, directJob("out.mp4"), [&] { controller_.refreshProgree(); });
+    EXPECT_EQ(alerts_.messages, QStringList{kFailed});
+}
+
+/// The ways in which a user cancels.
+class CancelBy : public ConverterControllerTest, public testing::WithParamInterface<const char*> {
+protected:
+    void cancel() {
+        QWidget& window = windowOf(controller_);
+        if (GetParam() == std::string("click"))
+            QTest::mouseClick(window.findChild<QPushButton*>("btCancel"), Qt::LeftButton);
+        else
+            QTest::keyClick(&window, Qt::Key_Escape);
+    }
+};
+
+TEST_P(CancelBy, run_stopsAndNothingIsSaid) {
+    addItem(mediaPath("h264.mp4"), 0, 4000).isSeleted = 1;
+    show(controller_, slowJob("out.mp4", 3840, 2160), [&] {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&windowOf(controller_)));
+        cancel();
+        EXPECT_FALSE(windowOf(controller_).isVisible());
+        EXPECT_EQ(engine_.stopRequested, 1);
+        EXPECT_EQ(modalWindow(), nullptr);
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isRefreshing(controller_); }));
+    EXPECT_TRUE(alerts_.messages.isEmpty());
+    EXPECT_LE(item(0).converteState, Ready); // or pending, by what the run was doing
+
+    show(controller_, directJob("next.mp4"));
+    EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, CancelBy, testing::Values("click", "escape"),
+                         [](const auto& made) { return std::string(made.param); });
+
+TEST_F(ConverterControllerTest, cancelAtOnce_reachesAWorkerThatHasNotBegun) {
+    addItem(mediaPath("h264.mp4"), 0, 4000);
+    const ConverterInfo job = slowJob("out.mp4", 3840, 2160);
+    for (int round = 0; round < 20; ++round) {
+        show(controller_, job, [&] { controller_.closeFrom(); });
+        std::filesystem::remove(folder_ / "out.mp4");
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isRefreshing(controller_); }, 60000));
+    EXPECT_TRUE(alerts_.messages.isEmpty());
+    EXPECT_LE(item(0).converteState, Ready); // or pending, by what the run was doing
+}
+
+TEST_F(ConverterControllerTest, destruction_stopsTheRunAndWaits) {
+    addItem(mediaPath("h264.mp4"), 0, 4000);
+    auto leaving = std::make_unique<ConverterController>();
+    show(*leaving, slowJob("out.mp4", 3840, 2160), [&] { windowOf(*leaving).close(); });
+    leaving.reset();
+    EXPECT_EQ(engine_.stopRequested, 1);
+    EXPECT_EQ(engine_.fileStates[0], ConversionEngine::Pending);
+    EXPECT_TRUE(alerts_.messages.isEmpty());
+}
+
+TEST_F(ConverterControllerTest, window_hasItsOutletsWithNames) {
+    controller_.refreshProgree();
+    const QWidget& window = windowOf(controller_);
+    EXPECT_EQ(window.objectName(), "ConverterFrom");
+    EXPECT_FALSE(window.toolTip().isEmpty());
+    EXPECT_EQ(window.findChild<QPushButton*>("btCancel")->text(), "Cancel");
+    for (const char* name :
+         {"singleTxt", "totleTxt", "singleProgress", "totleProgress", "btCancel"}) {
+        const auto* widget = window.findChild<QWidget*>(name);
+        ASSERT_NE(widget, nullptr) << name;
+        EXPECT_TRUE(!widget->accessibleName().isEmpty() || widget->inherits("QLabel")) << name;
+    }
+    EXPECT_EQ(controller_.singleProgress()->maximum(), 100);
+    EXPECT_EQ(controller_.totleProgress()->maximum(), 100);
+}
+
+TEST_F(ConverterControllerTest, window_longName_needsNoMoreRoom) {
+    addItem("/a/" + std::string(250, 'w') + ".mp4", 0, 1);
+    setCounters(0, 1, 5);
+    controller_.refreshProgree();
+    EXPECT_LT(windowOf(controller_).sizeHint().width(), 600);
+    EXPECT_LT(windowOf(controller_).minimumSizeHint().width(), 600);
+}
+
+} // namespace
+} // namespace velmora::test
