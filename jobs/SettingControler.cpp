@@ -1,0 +1,135 @@
+#include "SettingControler.h"
+
+#include "ComboBox.h"
+#include "ModalSession.h"
+#include "PanelWindow.h"
+#include "PlatformLog.h"
+#include "PrimaryButton.h"
+#include "SharedState.h"
+#include "ui_SettingFrom.h"
+
+#include <array>
+
+namespace velmora {
+
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): one per process, by design
+std::shared_ptr<ProfileInfo> editorProfileStore;
+
+namespace {
+
+/// A parameter of a profile, the box that offers its choices and the field for the chosen one.
+struct Pairing {
+    const char* parameter;
+    QComboBox* Ui::SettingFrom::*box;
+    QString NodeSetting::*field;
+};
+
+constexpr std::array kPairings = {
+    Pairing{"aEncoder", &Ui::SettingFrom::comAEncoder, &NodeSetting::aEncoder},
+    Pairing{"aSamplerate", &Ui::SettingFrom::comASamplerate, &NodeSetting::aSamplerate},
+    Pairing{"aBitRate", &Ui::SettingFrom::comABitrate, &NodeSetting::aBitrate},
+    Pairing{"channel", &Ui::SettingFrom::comAChannels, &NodeSetting::aChannels},
+    Pairing{"vEncoder", &Ui::SettingFrom::comVEncoder, &NodeSetting::vEncoder},
+    Pairing{"vResolution", &Ui::SettingFrom::comVResolution, &NodeSetting::vResolution},
+    Pairing{"vBitRate", &Ui::SettingFrom::comVBitrate, &NodeSetting::vBitrate},
+    Pairing{"vFrameRate", &Ui::SettingFrom::comVFrameRate, &NodeSetting::vFrameRate},
+};
+
+} // namespace
+
+SettingControler::SettingControler() = default;
+SettingControler::~SettingControler() = default;
+
+bool SettingControler::showSettingFrom(QWidget* parent) {
+    platformLog("test show setting");
+    if (!winSettingController_)
+        loadWindow(parent);
+    confirmed_ = false;
+    winSettingController_->show();
+    initProfile();
+    runModalForWindow(*winSettingController_);
+    return confirmed_;
+}
+
+void SettingControler::initProfile() {
+    for (const Pairing& pairing : kPairings)
+        (outlets_.get()->*pairing.box)->clear();
+    outlets_->proName->setText(currentSetting->profileName);
+    if (const Profile* const known = profile()) {
+        for (const ProfileParameter& parameter : known->setInfo) {
+            if (QComboBox* const box = boxOf(parameter.name)) {
+                box->addItems(parameter.arrayValue);
+                box->setCurrentIndex(parameter.position());
+            }
+        }
+    }
+    if (currentSetting->isDefautValue == 0)
+        selectOwnValues();
+}
+
+void SettingControler::selectOwnValues() {
+    for (const Pairing& pairing : kPairings) {
+        QComboBox& box = *(outlets_.get()->*pairing.box);
+        const int position = box.findText((*currentSetting).*pairing.field,
+                                          Qt::MatchExactly | Qt::MatchCaseSensitive);
+        // A value that the profile does not offer leaves its default selected.
+        if (position >= 0)
+            box.setCurrentIndex(position);
+    }
+}
+
+void SettingControler::okClick() {
+    for (const Pairing& pairing : kPairings)
+        (*currentSetting).*pairing.field = selectedItem(*(outlets_.get()->*pairing.box));
+    confirmed_ = true;
+    winSettingController_->close();
+}
+
+void SettingControler::cancelClick() {
+    winSettingController_->close();
+}
+
+void SettingControler::defaultClick() {
+    const Profile* const known = profile();
+    outlets_->proName->setText(currentSetting->profileName);
+    if (known == nullptr)
+        return;
+    for (const ProfileParameter& parameter : known->setInfo) {
+        if (QComboBox* const box = boxOf(parameter.name))
+            box->setCurrentIndex(parameter.position());
+    }
+}
+
+bool SettingControler::windowShouldClose() {
+    stopModal();
+    return true;
+}
+
+void SettingControler::loadWindow(QWidget* parent) {
+    winSettingController_ = std::make_unique<PanelWindow>(parent);
+    outlets_ = std::make_unique<Ui::SettingFrom>();
+    outlets_->setupUi(winSettingController_.get());
+    winSettingController_->windowShouldClose = [this] { return windowShouldClose(); };
+    makePrimary(*outlets_->btOK);
+    const QWidget* const window = winSettingController_.get();
+    QObject::connect(outlets_->btOK, &QPushButton::clicked, window, [this] { okClick(); });
+    QObject::connect(outlets_->btCancel, &QPushButton::clicked, window, [this] { cancelClick(); });
+    QObject::connect(outlets_->btDefault, &QPushButton::clicked, window,
+                     [this] { defaultClick(); });
+    awakeFromNib();
+}
+
+const Profile* SettingControler::profile() const {
+    return editorProfileStore ? editorProfileStore->getProfileByName(currentSetting->profileName)
+                              : nullptr;
+}
+
+QComboBox* SettingControler::boxOf(const QString& parameterName) const {
+    for (const Pairing& pairing : kPairings) {
+        if (parameterName == QLatin1String(pairing.parameter))
+            return outlets_.get()->*pairing.box;
+    }
+    return nullptr;
+}
+
+} // namespace velmora

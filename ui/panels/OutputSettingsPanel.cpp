@@ -1,0 +1,305 @@
+#include "OutputSettingsPanel.h"
+
+#include "Bundle.h"
+#include "ComboBox.h"
+#include "ConverterController.h"
+#include "ModalSession.h"
+#include "OpenPanel.h"
+#include "OutputSettingsForm.h"
+#include "PanelWindow.h"
+#include "PlatformLog.h"
+#include "PrimaryButton.h"
+#include "SettingControler.h"
+#include "SharedState.h"
+#include "UserName.h"
+#include "ui_OutputSettingsForm.h"
+
+#include <QSettings>
+#include <QStandardPaths>
+
+#include <utility>
+
+namespace velmora {
+namespace {
+
+/// What the user has set as a folder under this key, or else the usual place of films.
+QString defaultFolder(const QString& key) {
+    const QVariant stored = QSettings().value(key);
+    return stored.isValid() ? stored.toString()
+                            : QString("%1%2").arg("/Users/" + userName(), "/Movies");
+}
+
+/// The same profiles as the panel's, in a store of the editor's own.
+void loadEditorProfiles() {
+    if (editorProfileStore)
+        return;
+    editorProfileStore = std::make_shared<ProfileInfo>();
+    editorProfileStore->initWithPath(Bundle::pathForResource("profile", "plist"));
+}
+
+const ProfileParameter* parameterOf(const Profile* profile, const QString& name) {
+    if (profile == nullptr)
+        return nullptr;
+    for (const ProfileParameter& parameter : profile->setInfo) {
+        if (parameter.name == name)
+            return &parameter;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+OutputSettingsPanel::OutputSettingsPanel(QWidget* owner) : owner_(owner) {}
+
+OutputSettingsPanel::~OutputSettingsPanel() = default;
+
+QWidget& OutputSettingsPanel::window() {
+    if (!window_)
+        load();
+    return *window_;
+}
+
+void OutputSettingsPanel::load() {
+    window_ = std::make_unique<PanelWindow>(owner_);
+    form_ = setupWindow(*window_);
+    window_->windowShouldClose = [this] { return windowShouldClose(); };
+    windowDidLoad();
+    bindActions();
+    refreshResultPath();
+}
+
+void OutputSettingsPanel::bindActions() {
+    const auto& form = outlets();
+    QObject::connect(form.mComboBox, &QComboBox::activated, form_, [this] { mButFormatChange(); });
+    QObject::connect(form.mComboBox->lineEdit(), &QLineEdit::editingFinished, form_,
+                     [this] { profileTextEntered(); });
+    QObject::connect(form.mComboBox, &QComboBox::editTextChanged, form_,
+                     [this] { refreshResultPath(); });
+    QObject::connect(&form_->rows(), &QButtonGroup::idClicked, form_, [this] { mButMakeChoice(); });
+    QObject::connect(&form_->rows(), &QButtonGroup::idToggled, form_,
+                     [this] { refreshResultPath(); });
+    QObject::connect(form.mButBrowse, &QPushButton::clicked, form_, [this] { mButBrowse(); });
+    QObject::connect(form.mButCustomize, &QPushButton::clicked, form_, [this] { mButCustomize(); });
+    for (QLineEdit* const field : {form.mTextField1, form.mTextField2})
+        QObject::connect(field, &QLineEdit::textChanged, form_, [this] { refreshResultPath(); });
+}
+
+void OutputSettingsPanel::bindStart(QPushButton& button, std::function<void()> action) {
+    makePrimary(button);
+    QObject::connect(&button, &QPushButton::clicked, std::move(action));
+}
+
+void OutputSettingsPanel::windowDidLoad() {
+    initMainWin();
+    initProfile();
+    setStatus(false);
+}
+
+void OutputSettingsPanel::initMainWin() {
+    mInputPath = defaultFolder("inputpath");
+    mOutputPath = defaultFolder("outputpath");
+    outlets().mTextField1->clear();
+    outlets().mTextField2->setText(mFilename);
+}
+
+void OutputSettingsPanel::initProfile() {
+    const auto& form = outlets();
+    mProfileInfo.initWithPath(Bundle::pathForResource("profile", "plist"));
+    mProfileArray = mProfileInfo.getAllProfileName();
+    form.mComboBox->addItems(mProfileArray);
+    form.mComboBox->setCurrentIndex(0);
+    form.mRadioReencode->setEnabled(!mProfileArray.isEmpty());
+    const QString first = mProfileArray.value(0);
+    mSetInfo.initWithDict(mProfileInfo.getProfileByName(first));
+    mSetInfo.isDefautValue = 1;
+    mSetInfo.profileName = first;
+    for (QComboBox* const box : {form.mVideoQuality, form.mVideoSize, form.mFrameRate,
+                                 form.mAudioQuality, form.mSampleRate})
+        box->clear();
+    addSourceFrameRate();
+    parameterChoice(mSetInfo.profileName);
+}
+
+void OutputSettingsPanel::parameterChoice(const QString& profileName) {
+    profileOnShow_ = profileName;
+    const Profile* const profile = mProfileInfo.getProfileByName(profileName);
+    if (profile == nullptr)
+        return;
+    for (const ProfileParameter& parameter : profile->setInfo)
+        addChoices(parameter);
+}
+
+void OutputSettingsPanel::addChoices(const ProfileParameter& parameter) {
+    const auto& form = outlets();
+    const auto fill = [&parameter](QComboBox& box, int position) {
+        box.addItems(parameter.arrayValue);
+        box.setCurrentIndex(position);
+    };
+    const QString& name = parameter.name;
+    if (name == "aSamplerate")
+        fill(*form.mSampleRate, parameter.position());
+    else if (name == "aBitRate")
+        fill(*form.mAudioQuality, parameter.position());
+    else if (name == "vBitRate")
+        fill(*form.mVideoQuality, parameter.position());
+    else if (name == "vFrameRate")
+        fill(*form.mFrameRate, frameRatePosition(parameter.position()));
+    else if (name == "vResolution")
+        fill(*form.mVideoSize, parameter.position());
+    else if (name == "vEncoder")
+        mVideoEncoder = parameter.choice();
+    else if (name == "aEncoder")
+        mAudioEncoder = parameter.choice();
+    else if (name == "channel")
+        mAudioChannels = getChannel(parameter.choice());
+}
+
+void OutputSettingsPanel::comboxClean() {
+    const auto& form = outlets();
+    for (QComboBox* const box : {form.mSampleRate, form.mAudioQuality, form.mVideoQuality,
+                                 form.mFrameRate, form.mVideoSize})
+        box->clear();
+}
+
+void OutputSettingsPanel::setStatus(bool enabled) {
+    const auto& form = outlets();
+    for (QWidget* const widget :
+         {static_cast<QWidget*>(form.mComboBox), static_cast<QWidget*>(form.mVideoQuality),
+          static_cast<QWidget*>(form.mVideoSize), static_cast<QWidget*>(form.mFrameRate),
+          static_cast<QWidget*>(form.mAudioQuality), static_cast<QWidget*>(form.mSampleRate),
+          static_cast<QWidget*>(form.mButCustomize)})
+        widget->setEnabled(enabled);
+}
+
+bool OutputSettingsPanel::windowShouldClose() {
+    stopModal();
+    return true;
+}
+
+void OutputSettingsPanel::mButFormatChange() {
+    platformLog(QString("index:%1 format:%2")
+                    .arg(QString::number(selectedPosition(*outlets().mComboBox)), profileText()));
+    comboxClean();
+    parameterChoice(profileText());
+    addSourceFrameRate();
+}
+
+void OutputSettingsPanel::profileTextEntered() {
+    if (profileText() != profileOnShow_)
+        mButFormatChange();
+}
+
+void OutputSettingsPanel::mButMakeChoice() {
+    platformLog(QString("index:%1").arg(selectedRow()));
+    setStatus(selectedRow() == kReencodeRow);
+}
+
+void OutputSettingsPanel::mButBrowse() {
+    const QString start = folder().isEmpty()
+                              ? QStandardPaths::writableLocation(QStandardPaths::MoviesLocation)
+                              : folder();
+    beginOpenPanel(*window_, OpenPanelChoice::Folder, start,
+                   [this](int result, const QStringList& paths) {
+                       if (result == 1)
+                           outlets().mTextField1->setText(paths.value(0));
+                   });
+}
+
+void OutputSettingsPanel::mButCustomize() {
+    const NodeSetting before = *currentSetting;
+    loadEditorProfiles();
+    parametersToSetting();
+    if (!editor().showSettingFrom(window_.get())) {
+        *currentSetting = before;
+        return;
+    }
+    const Profile* const profile = mProfileInfo.getProfileByName(profileText());
+    const ProfileParameter* const rates = parameterOf(profile, "vFrameRate");
+    parametersFromSetting(rates != nullptr ? rates->choice() : QString());
+}
+
+void OutputSettingsPanel::parametersToSetting() {
+    getSetInfo();
+    currentSetting->aChannels = channelChoice();
+    currentSetting->profileName = profileText();
+    currentSetting->isDefautValue = 0;
+}
+
+void OutputSettingsPanel::parametersFromSetting(const QString& frameRateShownBefore) {
+    const auto& form = outlets();
+    const NodeSetting& setting = *currentSetting;
+    selectItem(*form.mVideoQuality, setting.vBitrate);
+    selectItem(*form.mVideoSize, setting.vResolution);
+    selectItem(*form.mAudioQuality, setting.aBitrate);
+    selectItem(*form.mSampleRate, setting.aSamplerate);
+    takeFrameRate(setting.vFrameRate, frameRateShownBefore);
+    mVideoEncoder = setting.vEncoder;
+    mAudioEncoder = setting.aEncoder;
+    mAudioChannels = getChannel(setting.aChannels);
+    getSetInfo();
+    parseResolution(setting.vResolution);
+}
+
+QString OutputSettingsPanel::channelChoice() const {
+    const Profile* const profile = mProfileInfo.getProfileByName(profileText());
+    if (const ProfileParameter* const channels = parameterOf(profile, "channel")) {
+        for (const QString& choice : channels->arrayValue) {
+            if (getChannel(choice) == mAudioChannels)
+                return choice;
+        }
+    }
+    return mAudioChannels;
+}
+
+SettingControler& OutputSettingsPanel::editor() {
+    if (!editor_)
+        editor_ = std::make_unique<SettingControler>();
+    return *editor_;
+}
+
+void OutputSettingsPanel::takeFrameRate(const QString& rate, const QString& /*shownBefore*/) {
+    selectItem(*outlets().mFrameRate, rate);
+}
+
+QString OutputSettingsPanel::chosenFrameRate() const {
+    return selectedItem(*outlets().mFrameRate);
+}
+
+const Ui::OutputSettingsForm& OutputSettingsPanel::outlets() const {
+    return form_->outlets();
+}
+
+int OutputSettingsPanel::selectedRow() const {
+    return form_->selectedRow();
+}
+
+QString OutputSettingsPanel::folder() const {
+    return outlets().mTextField1->text();
+}
+
+QString OutputSettingsPanel::profileText() const {
+    return outlets().mComboBox->currentText();
+}
+
+void OutputSettingsPanel::setDefaultFilename(const QString& name) {
+    mFilename = name;
+    refreshResultPath();
+}
+
+void OutputSettingsPanel::setDirectExtension(const QString& extension) {
+    mExtension = extension;
+    refreshResultPath();
+}
+
+void OutputSettingsPanel::refreshResultPath() {
+    if (!isLoaded())
+        return;
+    if (folder().isEmpty())
+        form_->showNoResultPath("Browse for a folder first");
+    else if (selectedRow() == kReencodeRow)
+        form_->showResultPath(composedPath(getExtension(profileText())));
+    else
+        form_->showResultPath(composedPath(expectedExtension()));
+}
+
+} // namespace velmora

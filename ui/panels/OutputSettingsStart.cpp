@@ -1,0 +1,100 @@
+#include "AlertPanel.h"
+#include "ComboBox.h"
+#include "ConverterController.h"
+#include "ConverterInfo.h"
+#include "LeadingNumber.h"
+#include "OutputSettingsForm.h"
+#include "OutputSettingsPanel.h"
+#include "PanelWindow.h"
+#include "PlatformLog.h"
+#include "SharedState.h"
+#include "ui_OutputSettingsForm.h"
+
+// What a start takes from the panel, and its common parts.
+
+namespace velmora {
+
+void OutputSettingsPanel::getSetInfo() {
+    const auto& form = outlets();
+    NodeSetting& setting = *currentSetting;
+    setting.aEncoder = mAudioEncoder;
+    setting.aSamplerate = selectedItem(*form.mSampleRate);
+    setting.aBitrate = selectedItem(*form.mAudioQuality);
+    setting.aChannels = mAudioChannels;
+    setting.vEncoder = mVideoEncoder;
+    setting.vResolution = selectedItem(*form.mVideoSize);
+    setting.vBitrate = selectedItem(*form.mVideoQuality);
+    setting.vFrameRate = chosenFrameRate();
+}
+
+void OutputSettingsPanel::parseResolution(const QString& resolution) {
+    const QStringList parts = resolution.split('x');
+    currentSetting->width = leadingInteger(parts.value(0));
+    currentSetting->height = leadingInteger(parts.value(1));
+}
+
+QString OutputSettingsPanel::getChannel(const QString& text) {
+    return text.section(' ', 0, 0);
+}
+
+QString OutputSettingsPanel::pathExtension(const QString& text) {
+    const qsizetype dot = text.lastIndexOf('.');
+    return dot < 0 ? QString() : text.mid(dot + 1);
+}
+
+QString OutputSettingsPanel::getExtension(const QString& profileName) {
+    return pathExtension(profileName).section(')', 0, 0);
+}
+
+QString OutputSettingsPanel::composedPath(const QString& extension) const {
+    return QString("%1/%2.%3").arg(folder(), outlets().mTextField2->text(), extension);
+}
+
+void OutputSettingsPanel::logChoices() const {
+    if (selectedRow() != kReencodeRow)
+        return;
+    const auto& form = outlets();
+    platformLog(QString("\nFormat:%1\nVideo Quality:%2\nVideo Size:%3\nFrame Rate:%4\n"
+                        "Audio Quality:%5\nSample Rate:%6")
+                    .arg(profileText(), form.mVideoQuality->currentText(),
+                         form.mVideoSize->currentText(), form.mFrameRate->currentText(),
+                         form.mAudioQuality->currentText(), form.mSampleRate->currentText()));
+}
+
+ConverterInfo OutputSettingsPanel::newJob(bool isCutter) const {
+    ConverterInfo job;
+    job.isCutter = isCutter ? 1 : 0;
+    job.isDirectly = selectedRow() == 0 ? 1 : 0;
+    return job;
+}
+
+void OutputSettingsPanel::takeOutput(ConverterInfo& job) {
+    if (job.isDirectly == 1) {
+        mOutputFilename = composedPath(mExtension);
+        return;
+    }
+    mOutputFilename = composedPath(getExtension(profileText()));
+    getSetInfo();
+    parseResolution(currentSetting->vResolution);
+    job.width = currentSetting->width;
+    job.height = currentSetting->height;
+}
+
+void OutputSettingsPanel::showPlainAlert(const QString& message) {
+    runAlertPanel({}, message, "OK", "");
+}
+
+void OutputSettingsPanel::closePanel() {
+    window_->hide();
+}
+
+void OutputSettingsPanel::createConverter() {
+    if (!converterController)
+        converterController = std::make_unique<ConverterController>();
+}
+
+void OutputSettingsPanel::showConverter(const ConverterInfo& job) {
+    converterController->showConverterFrom(job);
+}
+
+} // namespace velmora

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "OutputSettingsPanel.h"
+
+#include <QString>
+
+#include <cstdint>
+
+namespace velmora {
+
+/// The output settings of a cut. The cut window comes from the time fields of the main window and
+/// waits in the current setting for the start. Main thread.
+class cutterWinController : public OutputSettingsPanel {
+public:
+    /// The window stays above `owner`, which outlives the panel; null: it belongs to no other.
+    explicit cutterWinController(QWidget* owner = nullptr);
+
+    /// The milliseconds of "hh:mm:ss.fff"; -1 for a text that is no time. Each field ends with ':'
+    /// or '.' or the text; empty and missing ones count 0. The last is a number of milliseconds and
+    /// no fraction: "0:0:1.5" is 1005.
+    static std::int32_t parseSpecificStringToMs(const QString& time);
+    /// Puts the cut window into the current setting, also times that are none. Its length in
+    /// milliseconds; -1 if a text is no time or the end lies before the start.
+    static std::int32_t setStartAndEnd(const QString& start, const QString& end);
+
+    /// The default name, which reaches the name field only before the window is loaded, and the
+    /// extension of the source.
+    void setCutterOutputFilename(const QString& name, const QString& extension);
+    QString CutterOutputFilename() const { return mFilename; }
+
+    /// What the start button does: starts the cut, or says why not.
+    void mButStartCut();
+
+protected:
+    OutputSettingsForm* setupWindow(PanelWindow& window) override;
+    void addSourceFrameRate() override;
+    int frameRatePosition(int /*profileDefault*/) const override { return 0; }
+    QString chosenFrameRate() const override;
+    void takeFrameRate(const QString& rate, const QString& shownBefore) override;
+
+private:
+    bool keepsSourceFrameRate() const;
+};
+
+} // namespace velmora
