@@ -34,7 +34,8 @@ void NamedImage::draw(QPainter& painter, const QRect& target) const {
     if (isNull() || target.isEmpty())
         return;
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(target, variantFor(painter.device()->devicePixelRatioF()));
+    const double enlarged = static_cast<double>(target.height()) / size().height();
+    painter.drawImage(target, variantFor(enlarged * painter.device()->devicePixelRatioF()));
 }
 
 const QImage& NamedImage::variantFor(double ratio) const {

@@ -25,8 +25,8 @@ public:
     const QString& name() const { return name_; }
     /// Of the plain variant, in pixels.
     QSize size() const;
-    /// Fills `target`, in the painter's coordinates, with the variant that suits the painter's
-    /// device.
+    /// Fills `target`, in the painter's coordinates, with the variant that suits its height on the
+    /// painter's device.
     void draw(QPainter& painter, const QRect& target) const;
 
 private:

@@ -1,0 +1,54 @@
+#include "PreviewStage.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+namespace velmora {
+
+PreviewStage::PreviewStage(QWidget* parent) : QFrame(parent) {
+    setAcceptDrops(true);
+}
+
+QWidget* PreviewStage::child() const {
+    return findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+void PreviewStage::setFrameSize(const QSize& size) {
+    frameSize_ = size;
+    placeChild();
+}
+
+void PreviewStage::placeChild() {
+    QWidget* const view = child();
+    if (!view)
+        return;
+    const QRect room = contentsRect();
+    const QSize wanted =
+        frameSize_.isEmpty() ? room.size() : frameSize_.scaled(room.size(), Qt::KeepAspectRatio);
+    QRect place(QPoint(), wanted.expandedTo(QSize(1, 1)));
+    place.moveCenter(room.center());
+    view->setGeometry(place);
+}
+
+void PreviewStage::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    placeChild();
+}
+
+bool PreviewStage::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+        return child() && QCoreApplication::sendEvent(child(), event);
+    case QEvent::ContentsRectChange:
+        placeChild();
+        break;
+    default:
+        break;
+    }
+    return QFrame::event(event);
+}
+
+} // namespace velmora
