@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <set>
 #include <sstream>
@@ -226,7 +227,7 @@ TEST_F(EngineTool, Interrupt_stops_the_run_and_leaves_the_rest_pending) {
     StartedProgram tool(command(arguments), folder_ / "result");
 
     tool.readErrorLine(); // the first that tells of the run
-    tool.interrupt();
+    tool.send(SIGINT);
 
     EXPECT_EQ(tool.wait(), kFailure);
     const Bytes printed = readFile(folder_ / "result");

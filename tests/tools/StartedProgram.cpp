@@ -58,8 +58,8 @@ std::optional<std::string> StartedProgram::readErrorLine() {
     return std::nullopt;
 }
 
-void StartedProgram::interrupt() {
-    kill(process_, SIGINT);
+void StartedProgram::send(int signal) {
+    kill(process_, signal);
 }
 
 int StartedProgram::wait() {

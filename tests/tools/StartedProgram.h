@@ -24,7 +24,7 @@ public:
 
     /// The next line of standard error, without its end; nothing when there is none.
     std::optional<std::string> readErrorLine();
-    void interrupt();
+    void send(int signal);
     /// The exit status; -1: the program ended otherwise.
     int wait();
 
