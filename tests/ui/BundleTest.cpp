@@ -20,10 +20,6 @@ TEST(BundleTest, pathForResource_compiledIn_canBeRead) {
     EXPECT_TRUE(file.readAll().contains(version));
 }
 
-TEST(BundleTest, pathForResource_profiles_areCompiledIn) {
-    EXPECT_EQ(Bundle::pathForResource("profile", "plist"), ":/profile.plist");
-}
-
 TEST(BundleTest, pathForResource_unknown_isEmpty) {
     EXPECT_EQ(Bundle::pathForResource("velmora-Info", "txt"), "");
     EXPECT_EQ(Bundle::pathForResource("nothing", "plist"), "");

@@ -125,9 +125,9 @@ QRect CustomSlider::knobRect() const {
 
 void CustomSlider::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    drawRect(painter, event->rect());
-    if (hasFocus())
+    if (hasFocus()) // below the bar: some styles fill the frame
         drawFocus(painter);
+    drawRect(painter, event->rect());
 }
 
 void CustomSlider::drawFocus(QPainter& painter) const {
