@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the missing Debian 12 packages of the named groups: build, run, test, check, coverage, fuzz.
+# Installs the missing Debian 12 packages of the named groups: build, run, test, check, coverage, fuzz,
+# package.
 set -euo pipefail
 
 packages=()
@@ -11,6 +12,7 @@ for group in "$@"; do
         run)   packages+=(ffmpeg) ;;
         test)  packages+=(ffmpeg libgtest-dev clang-format) ;;
         check) packages+=(clang-format clang-tidy) ;;
+        package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;
         fuzz)  packages+=(clang libclang-rt-14-dev libplist-utils ffmpeg) ;;
         *)     echo "setup: unknown group '$group'" >&2; exit 2 ;;
