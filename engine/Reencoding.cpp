@@ -40,8 +40,8 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
     readAhead_ = readAheadFor(*input.videoDecoder());
     auto pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
                                                       *input.videoDecoder(), encoder_, timing_);
-    pictures_ = pictures.get();
     if (!needsSilence(input, output)) {
+        pictures_ = pictures.get();
         handler = std::move(pictures);
         return 0;
     }
