@@ -18,6 +18,7 @@
 
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -237,6 +238,20 @@ void MainController::firstLoadVideo(const QString& path) {
 void MainController::showSnapshot(const QString& path) {
     ui_.mCustomImage->setImage(NamedImage(QImage(path, "bmp")));
     ui_.mCustomImage->setImageScaling(stretchToFill);
+    shown_ = markOf(path);
+}
+
+/// Every load subscribes to the bar once more, so one move comes here many times. Only the first
+/// finds another picture to show.
+void MainController::showSnapshotUnlessShown(const QString& path) {
+    if (shown_ != markOf(path))
+        showSnapshot(path);
+}
+
+MainController::SnapshotMark MainController::markOf(const QString& path) const {
+    const QFileInfo file(path);
+    return {filename_, ConversionEngine::instance().startTimes[0], file.lastModified(),
+            file.size()};
 }
 
 void MainController::mouseDownListener(const std::optional<QString>& path) {
@@ -269,7 +284,7 @@ void MainController::scrubbingbarDidChange(const Notification& notification) {
     engine.currentIndex = 0;
     engine.startTimes[0] = static_cast<double>(mLabelValue);
     engine.snapshot();
-    showSnapshot(snapshotFile);
+    showSnapshotUnlessShown(snapshotFile);
 }
 
 void MainController::button_left_anchor() {

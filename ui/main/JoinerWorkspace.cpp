@@ -86,8 +86,12 @@ bool MainController::tableViewAcceptDrop(const QStringList& files) {
     return true;
 }
 
+/// The selected place stays selected, as long as there is a row.
 void MainController::reloadTable() {
+    const int row = ui_.tableView->selectedRow();
     tableModel_->reloadData();
+    if (row >= 0 && row < tableModel_->rowCount())
+        ui_.tableView->selectRow(row);
 }
 
 // Filling and thinning the list.

@@ -3,6 +3,7 @@
 #include "HelpPage.h"
 #include "NodeInfo.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -133,6 +134,7 @@ private:
     static void takeSource(NodeInfo& item);
     void takeProbedVideo(const std::shared_ptr<NodeInfo>& item);
     void showSnapshot(const QString& path);
+    void showSnapshotUnlessShown(const QString& path);
 
     void addChosenFiles(const QStringList& files);
     void reloadTable();
@@ -144,6 +146,17 @@ private:
     std::unique_ptr<cutterWinController> mCutterWincontroller;
     std::unique_ptr<joinerWinController> mJointerWincontroller;
 
+    /// What a preview picture was taken from, and the state of its file.
+    struct SnapshotMark {
+        QString source;
+        double seconds = 0;
+        QDateTime written;
+        qint64 size = 0;
+        bool operator==(const SnapshotMark&) const = default;
+    };
+    SnapshotMark markOf(const QString& path) const;
+
+    std::optional<SnapshotMark> shown_;
     QString version_;
     QString filename_;
     float mDuration = 0;

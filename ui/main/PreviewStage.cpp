@@ -1,6 +1,5 @@
 #include "PreviewStage.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 
 namespace velmora {
@@ -41,7 +40,8 @@ bool PreviewStage::event(QEvent* event) {
     case QEvent::DragMove:
     case QEvent::DragLeave:
     case QEvent::Drop:
-        return child() && QCoreApplication::sendEvent(child(), event);
+        // Not sent: the application would deliver it to the stage, as the target of the drag.
+        return child() && static_cast<QObject*>(child())->event(event);
     case QEvent::ContentsRectChange:
         placeChild();
         break;

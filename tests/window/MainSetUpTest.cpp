@@ -1,0 +1,216 @@
+#include "CustomSlider.h"
+#include "JoinerTable.h"
+#include "MainWindowSupport.h"
+#include "NotificationCenter.h"
+#include "SharedState.h"
+#include "customImageView.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTest>
+#include <QTextDocument>
+#include <QTimer>
+
+namespace velmora::test {
+namespace {
+
+class MainSetUpTest : public MainWindowTest {
+protected:
+    QWidget* workspace() { return outlet<QStackedWidget>("curView").currentWidget(); }
+
+    static void addItem(const std::shared_ptr<FileList>& list) {
+        list->push_back(std::make_shared<NodeInfo>());
+    }
+};
+
+TEST_F(MainSetUpTest, start_logsItsStages) {
+    EXPECT_LT(log_.all().indexOf("initWithWindow"), log_.all().indexOf("awakeFromNib"));
+    EXPECT_EQ(log_.count("initWithWindow"), 1);
+    EXPECT_EQ(log_.count("awakeFromNib"), 1);
+    EXPECT_EQ(log_.all().filter("canvas w:").size(), 1);
+}
+
+TEST_F(MainSetUpTest, start_titleHasNoVersion) {
+    EXPECT_EQ(controller_.mainWin().windowTitle(), "Velmora");
+}
+
+TEST_F(MainSetUpTest, start_makesEmptySharedStateWithTheCutterOnShow) {
+    ASSERT_TRUE(cutterFileList && joinerFileList && currentSetting);
+    EXPECT_NE(cutterFileList, joinerFileList);
+    EXPECT_EQ(sharedFileList, cutterFileList);
+    EXPECT_TRUE(cutterFileList->empty());
+    EXPECT_TRUE(joinerFileList->empty());
+    EXPECT_EQ(currentSetting->vEncoder, "");
+    EXPECT_EQ(workspace(), &outlet("viewCutter"));
+}
+
+TEST_F(MainSetUpTest, start_fieldsAreZeroAndTheBarIsDisabled) {
+    for (const char* const field : {"mLabelStart", "mLabelEnd", "mLabelDuration"})
+        EXPECT_EQ(text(field), "00:00:00.000") << field;
+    EXPECT_EQ(text("mLabelDrag"), "00:00:00.000/00:00:00.000");
+    EXPECT_FALSE(bar().customSliderEnable());
+    EXPECT_EQ(bar().doubleValue(), 0);
+    EXPECT_EQ(bar().maxValue(), 100);
+    EXPECT_FALSE(controller_.addFileInitialized());
+}
+
+TEST_F(MainSetUpTest, start_showsTheInvitationToAddAVideo) {
+    EXPECT_EQ(preview().image().name(), "add1");
+    EXPECT_TRUE(outlet("mAddFileToolTip").isVisible());
+    EXPECT_TRUE(outlet("mButtonSetImage").isVisible());
+}
+
+TEST_F(MainSetUpTest, start_onlyTheTimesOfTheCutCanBeTyped) {
+    EXPECT_TRUE(outlet<QLineEdit>("mLabelDuration").isReadOnly());
+    EXPECT_TRUE(outlet<QLineEdit>("mLabelDrag").isReadOnly());
+    EXPECT_FALSE(outlet<QLineEdit>("mLabelStart").isReadOnly());
+    EXPECT_FALSE(outlet<QLineEdit>("mLabelEnd").isReadOnly());
+}
+
+TEST_F(MainSetUpTest, start_windowHasItsColour) {
+    const QColor color = controller_.mainWin().palette().color(QPalette::Window);
+    EXPECT_EQ(color.rgb(), QColor::fromRgbF(0.73F, 0.87F, 0.97F).rgb());
+    const QImage shown = controller_.mainWin().grab().toImage();
+    EXPECT_EQ(QColor(shown.pixel(4, shown.height() - 4)).rgb(), color.rgb());
+}
+
+TEST_F(MainSetUpTest, start_tableTakesSeveralSelectedRowsAndDrops) {
+    EXPECT_EQ(table().selectionMode(), QAbstractItemView::ExtendedSelection);
+    EXPECT_TRUE(table().acceptDrops());
+}
+
+TEST_F(MainSetUpTest, tooltips_areGiven) {
+    const QString typing = "You can input time here, format(hh:mm:ss.fff)";
+    const std::vector<std::pair<const char*, QString>> expected{
+        {"mButtonCutterAdd", "Add video file"},
+        {"mButtonPlay", "Play"},
+        {"mButtonLeft", "Set Start Point"},
+        {"mButtonRight", "Set End Point"},
+        {"mLabelStart", typing},
+        {"mLabelEnd", typing},
+        {"mButtonCutterSetting", "Start cut"},
+        {"mButtonJoinerAdd", "Add video file"},
+        {"mButtonJoinerRemove", "Remove"},
+        {"mButtonJoinerSetting", "Merge into a video file"},
+        {"mTextFieldHowTo", controller_.helpPageAddress()},
+        {"mButtonSetImage", "Add video file"},
+        {"tableView", "Drag and drop file here"},
+    };
+    for (const auto& [name, tooltip] : expected)
+        EXPECT_EQ(outlet(name).toolTip(), tooltip) << name;
+}
+
+TEST_F(MainSetUpTest, helpLine_isALinkToTheHelpPage) {
+    const auto& line = outlet<QLabel>("mTextFieldHowTo");
+    QTextDocument shown;
+    shown.setHtml(line.text());
+    EXPECT_EQ(shown.toPlainText(), "How to use the software");
+    EXPECT_TRUE(line.text().contains("href=\"" + controller_.helpPageAddress() + '"'));
+    EXPECT_TRUE(line.textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+}
+
+TEST_F(MainSetUpTest, everyControl_hasAnAccessibleName) {
+    for (const char* const name :
+         {"mTextFieldHowTo", "mButtonCutterAdd", "mButtonPlay", "mButtonLeft", "mButtonRight",
+          "mButtonCutterSetting", "mButtonJoinerAdd", "mButtonJoinerRemove", "mButtonJoinerSetting",
+          "mCustomSlider", "mCustomImage", "tableView", "mButtonSeg", "mButtonSetImage",
+          "mLabelStart", "mLabelEnd", "mLabelDrag", "mLabelDuration"})
+        EXPECT_FALSE(outlet(name).accessibleName().isEmpty()) << name;
+}
+
+TEST_F(MainSetUpTest, workspaceSwitch_changesViewAndSharedList) {
+    show("Video Joiner");
+    EXPECT_EQ(workspace(), &outlet("viewJoiner"));
+    EXPECT_EQ(sharedFileList, joinerFileList);
+    show("Video Cutter");
+    EXPECT_EQ(workspace(), &outlet("viewCutter"));
+    EXPECT_EQ(sharedFileList, cutterFileList);
+}
+
+TEST_F(MainSetUpTest, workspaceSwitch_thereAndBack_keepsBothLists) {
+    addItem(cutterFileList);
+    addItem(joinerFileList);
+    show("Video Joiner");
+    show("Video Cutter");
+    EXPECT_EQ(cutterFileList->size(), 1U);
+    EXPECT_EQ(joinerFileList->size(), 1U);
+}
+
+TEST_F(MainSetUpTest, workspaceSwitch_otherLabel_changesNothing) {
+    outlet<QPushButton>("segmentVideoJoiner").setText("Video Mixer");
+    show("Video Mixer");
+    EXPECT_EQ(controller_.selectedSegmentLabel(), "Video Mixer");
+    EXPECT_EQ(workspace(), &outlet("viewCutter"));
+    EXPECT_EQ(sharedFileList, cutterFileList);
+}
+
+TEST_F(MainSetUpTest, workspaces_areToldApartByLabelNotByPlace) {
+    outlet<QPushButton>("segmentVideoCutter").setText("Video Joiner");
+    outlet<QPushButton>("segmentVideoJoiner").setText("Video Cutter");
+    controller_.button_segSelected();
+    EXPECT_EQ(workspace(), &outlet("viewJoiner"));
+}
+
+TEST_F(MainSetUpTest, workspaceSwitch_byArrowKey_works) {
+    controller_.mainWin().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&controller_.mainWin()));
+    outlet("segmentVideoCutter").setFocus();
+    QTest::keyClick(&outlet("segmentVideoCutter"), Qt::Key_Right);
+    EXPECT_EQ(workspace(), &outlet("viewJoiner"));
+}
+
+TEST_F(MainSetUpTest, setDefaultView_again_replacesAllSharedState) {
+    const auto setting = currentSetting;
+    const auto lists = std::pair(cutterFileList, joinerFileList);
+    addItem(joinerFileList);
+    controller_.setDefaultView();
+    EXPECT_NE(currentSetting, setting);
+    EXPECT_NE(cutterFileList, lists.first);
+    EXPECT_NE(joinerFileList, lists.second);
+    EXPECT_TRUE(joinerFileList->empty());
+    EXPECT_EQ(sharedFileList, cutterFileList);
+}
+
+TEST_F(MainSetUpTest, setDefaultView_twiceMore_subscribesTwiceMore) {
+    controller_.setDefaultView();
+    controller_.setDefaultView();
+    log_.clear();
+    outlet<QLineEdit>("mLabelStart").setText("bad");
+    NotificationCenter::defaultCenter().post("onTextDidChangeNotify", nullptr);
+    EXPECT_EQ(log_.count("err out"), 3);
+}
+
+TEST_F(MainSetUpTest, initParameter_clearsTheFlagsOfTheSetting) {
+    currentSetting->imCut = true;
+    currentSetting->imJoin = true;
+    controller_.initParameter();
+    EXPECT_FALSE(currentSetting->imCut);
+    EXPECT_FALSE(currentSetting->imJoin);
+}
+
+TEST_F(MainSetUpTest, textDidChange_onlyLogs) {
+    log_.clear();
+    controller_.textDidChange();
+    EXPECT_EQ(log_.all(), QStringList("change "));
+}
+
+TEST_F(MainSetUpTest, window_closed_endsTheProgram) {
+    QTimer::singleShot(0, &controller_, [this] { controller_.mainWin().close(); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(log_.count("exit button xxxxxxxxxx"), 1);
+    EXPECT_FALSE(controller_.mainWin().isVisible());
+}
+
+TEST_F(MainSetUpTest, window_fitsOnASmallScreen) {
+    const QSize least =
+        controller_.mainWin().minimumSizeHint().expandedTo(controller_.mainWin().minimumSize());
+    EXPECT_LE(least.width(), 800);
+    EXPECT_LE(least.height(), 600);
+    EXPECT_LE(controller_.mainWin().height(), 690);
+}
+
+} // namespace
+} // namespace velmora::test
