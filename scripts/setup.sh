@@ -9,8 +9,8 @@ for group in "$@"; do
         build) packages+=(g++ cmake ninja-build pkg-config nlohmann-json3-dev libavformat-dev
                           libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
                           libplist-dev qt6-base-dev) ;;
-        run)   packages+=(ffmpeg) ;;
-        test)  packages+=(ffmpeg libgtest-dev clang-format) ;;
+        run)   packages+=(ffmpeg xvfb openbox xdotool imagemagick fonts-dejavu-core) ;;
+        test)  packages+=(ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick) ;;
         check) packages+=(clang-format clang-tidy) ;;
         package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;
