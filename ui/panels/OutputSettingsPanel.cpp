@@ -29,14 +29,6 @@ QString defaultFolder(const QString& key) {
                             : QString("%1%2").arg("/Users/" + userName(), "/Movies");
 }
 
-/// The same profiles as the panel's, in a store of the editor's own.
-void loadEditorProfiles() {
-    if (editorProfileStore)
-        return;
-    editorProfileStore = std::make_shared<ProfileInfo>();
-    editorProfileStore->initWithPath(Bundle::pathForResource("profile", "plist"));
-}
-
 const ProfileParameter* parameterOf(const Profile* profile, const QString& name) {
     if (profile == nullptr)
         return nullptr;
@@ -102,9 +94,13 @@ void OutputSettingsPanel::initMainWin() {
     outlets().mTextField2->setText(mFilename);
 }
 
+QString OutputSettingsPanel::profilePath() const {
+    return Bundle::pathForResource("profile", "plist");
+}
+
 void OutputSettingsPanel::initProfile() {
     const auto& form = outlets();
-    mProfileInfo.initWithPath(Bundle::pathForResource("profile", "plist"));
+    mProfileInfo.initWithPath(profilePath());
     mProfileArray = mProfileInfo.getAllProfileName();
     form.mComboBox->addItems(mProfileArray);
     form.mComboBox->setCurrentIndex(0);
@@ -249,6 +245,13 @@ QString OutputSettingsPanel::channelChoice() const {
         }
     }
     return mAudioChannels;
+}
+
+void OutputSettingsPanel::loadEditorProfiles() const {
+    if (editorProfileStore)
+        return;
+    editorProfileStore = std::make_shared<ProfileInfo>();
+    editorProfileStore->initWithPath(profilePath());
 }
 
 SettingControler& OutputSettingsPanel::editor() {

@@ -80,6 +80,8 @@ protected:
 
     /// Fills the window from the panel's interface description and gives the form in it.
     virtual OutputSettingsForm* setupWindow(PanelWindow& window) = 0;
+    /// The property list that panel and editor read the profiles from.
+    virtual QString profilePath() const;
     /// Puts the choice of the source's frame rate before those of a profile, where there is one.
     virtual void addSourceFrameRate() {}
     /// Where the frame rates are selected for a profile with this default position.
@@ -136,6 +138,7 @@ private:
     void refreshResultPath();
     QString channelChoice() const;
     QString composedPath(const QString& extension) const;
+    void loadEditorProfiles() const;
     SettingControler& editor();
 
     QWidget* owner_;
