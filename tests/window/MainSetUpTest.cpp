@@ -204,6 +204,12 @@ TEST_F(MainSetUpTest, window_closed_endsTheProgram) {
     EXPECT_FALSE(controller_.mainWin().isVisible());
 }
 
+TEST_F(MainSetUpTest, bar_inAVeryWideWindow_isAsWideAsThePreview) {
+    controller_.mainWin().resize(3840, 1000);
+    QApplication::processEvents();
+    EXPECT_GT(bar().width(), 3700);
+}
+
 TEST_F(MainSetUpTest, window_fitsOnASmallScreen) {
     const QSize least =
         controller_.mainWin().minimumSizeHint().expandedTo(controller_.mainWin().minimumSize());

@@ -16,10 +16,7 @@
 #include <QCoreApplication>
 #include <QPointer>
 #include <QPushButton>
-#include <QScreen>
 #include <QUrl>
-
-#include <algorithm>
 
 namespace velmora {
 namespace {
@@ -49,11 +46,9 @@ void MainController::windowDidLoad() {
     ui_.mCustomImage->setImage(NamedImage(customImageView::placeholderName));
 }
 
-/// The bar draws on a canvas that never grows: it gets that of the widest screen.
+/// The bar draws on a canvas that never grows: it gets one for any screen.
 void MainController::awakeControls() {
-    int widest = ui_.mCustomSlider->width();
-    for (const QScreen* const screen : QGuiApplication::screens())
-        widest = std::max(widest, screen->virtualSize().width());
+    constexpr int widest = 8192;
     ui_.mCustomSlider->resize(widest, ui_.mCustomSlider->sizeHint().height());
     ui_.mCustomSlider->awakeFromNib();
 }
