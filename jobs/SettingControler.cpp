@@ -109,7 +109,7 @@ void SettingControler::loadWindow(QWidget* parent) {
     winSettingController_ = std::make_unique<PanelWindow>(parent);
     outlets_ = std::make_unique<Ui::SettingFrom>();
     outlets_->setupUi(winSettingController_.get());
-    winSettingController_->windowShouldClose = [this] { return windowShouldClose(); };
+    winSettingController_->windowShouldClose = windowShouldClose;
     makePrimary(*outlets_->btOK);
     const QWidget* const window = winSettingController_.get();
     QObject::connect(outlets_->btOK, &QPushButton::clicked, window, [this] { okClick(); });
@@ -119,7 +119,7 @@ void SettingControler::loadWindow(QWidget* parent) {
     awakeFromNib();
 }
 
-const Profile* SettingControler::profile() const {
+const Profile* SettingControler::profile() {
     return editorProfileStore ? editorProfileStore->getProfileByName(currentSetting->profileName)
                               : nullptr;
 }

@@ -45,13 +45,13 @@ public:
     /// Selects the profile's defaults. Stores nothing.
     void defaultClick();
     /// Always true; ends the modal session.
-    bool windowShouldClose();
+    static bool windowShouldClose();
     /// Nothing is left to do when the interface description has been loaded.
     void awakeFromNib() {}
 
 private:
     void loadWindow(QWidget* parent);
-    const Profile* profile() const;
+    static const Profile* profile();
     /// The box of a parameter; null for a name that is none.
     QComboBox* boxOf(const QString& parameterName) const;
     void selectOwnValues();

@@ -342,6 +342,8 @@ TYPED_TEST(OutputSettingsTest, resultPath_followsFolderNameRowAndProfile) {
     EXPECT_EQ(this->resultPath(), "Browse for a folder first");
     this->typeFolder("/out");
     EXPECT_EQ(this->resultPath(), "/out/clip.mov");
+    EXPECT_EQ(this->template outlet<QLabel>("mResultPath").accessibleDescription(),
+              "/out/clip.mov");
     this->typeFolder("/out/");
     EXPECT_EQ(this->resultPath(), "/out//clip.mov");
     this->typeName("a/%1 b");

@@ -57,10 +57,6 @@ int OutputSettingsForm::selectedRow() const {
     return outlets_->mRadioRows->checkedId();
 }
 
-void OutputSettingsForm::selectRow(int row) {
-    outlets_->mRadioRows->button(row)->setChecked(true);
-}
-
 QButtonGroup& OutputSettingsForm::rows() const {
     return *outlets_->mRadioRows;
 }
@@ -68,6 +64,7 @@ QButtonGroup& OutputSettingsForm::rows() const {
 void OutputSettingsForm::showResultPath(const QString& path) {
     outlets_->mResultPath->setText(path);
     outlets_->mResultPath->setToolTip(path.toHtmlEscaped());
+    outlets_->mResultPath->setAccessibleDescription(path);
     outlets_->mResultPath->setEnabled(true);
 }
 

@@ -19,12 +19,13 @@ class OutputSettingsForm : public QWidget {
 public:
     explicit OutputSettingsForm(QWidget* parent = nullptr);
     ~OutputSettingsForm() override;
+    OutputSettingsForm(const OutputSettingsForm&) = delete;
+    OutputSettingsForm& operator=(const OutputSettingsForm&) = delete;
 
     /// The widgets, by their names.
     const Ui::OutputSettingsForm& outlets() const { return *outlets_; }
     /// The rows of mRadioGroup: 0 copies directly, 1 re-encodes.
     int selectedRow() const;
-    void selectRow(int row);
     QButtonGroup& rows() const;
 
     /// Shows where the output will go, shortened in its middle where that has to be.

@@ -54,7 +54,7 @@ QWidget& OutputSettingsPanel::window() {
 void OutputSettingsPanel::load() {
     window_ = std::make_unique<PanelWindow>(owner_);
     form_ = setupWindow(*window_);
-    window_->windowShouldClose = [this] { return windowShouldClose(); };
+    window_->windowShouldClose = windowShouldClose;
     windowDidLoad();
     bindActions();
     refreshResultPath();

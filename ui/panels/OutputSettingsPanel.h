@@ -54,7 +54,7 @@ public:
     /// Whether profile and parameters can be chosen.
     void setStatus(bool enabled);
     /// Always true; ends the modal session.
-    bool windowShouldClose();
+    static bool windowShouldClose();
 
     // Actions of the widgets.
     void mButFormatChange();
