@@ -4,9 +4,11 @@
 #include "ModalSession.h"
 #include "SharedState.h"
 
+#include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
 
@@ -160,6 +162,14 @@ TEST_F(JoinerTest, drop_goesToTheEnd) {
 
 TEST_F(JoinerTest, drop_withoutFiles_isNotTaken) {
     EXPECT_FALSE(controller_.tableViewAcceptDrop({}));
+}
+
+TEST_F(JoinerTest, drop_ofWhatIsNoFile_isNotTaken) {
+    QMimeData text;
+    text.setText("text");
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(table().viewport(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
 }
 
 TEST_F(JoinerTest, drop_anyOperation_isWelcome) {

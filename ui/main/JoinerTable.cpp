@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 namespace velmora {
 namespace {
@@ -18,13 +19,6 @@ QStringList localFiles(const QMimeData& drag) {
             paths.append(url.toLocalFile());
     }
     return paths;
-}
-
-void welcome(QDragMoveEvent& event) {
-    if (event.mimeData()->hasUrls()) {
-        event.setDropAction(Qt::CopyAction);
-        event.accept();
-    }
 }
 
 } // namespace
@@ -58,6 +52,12 @@ void JoinerTable::fitColumns() {
     }
 }
 
+void JoinerTable::setDropHandlers(std::function<unsigned()> validate,
+                                  std::function<bool(const QStringList&)> accept) {
+    validateDrop_ = std::move(validate);
+    acceptDrop_ = std::move(accept);
+}
+
 int JoinerTable::selectedRow() const {
     if (!selectionModel())
         return -1;
@@ -70,6 +70,14 @@ int JoinerTable::selectedRow() const {
     return last;
 }
 
+void JoinerTable::welcome(QDragMoveEvent& event) const {
+    const bool mayCopy = (validateDrop_() & static_cast<unsigned>(Qt::CopyAction)) != 0;
+    if (event.mimeData()->hasUrls() && mayCopy) {
+        event.setDropAction(Qt::CopyAction);
+        event.accept();
+    }
+}
+
 void JoinerTable::dragEnterEvent(QDragEnterEvent* event) {
     welcome(*event);
 }
@@ -80,8 +88,7 @@ void JoinerTable::dragMoveEvent(QDragMoveEvent* event) {
 
 void JoinerTable::dropEvent(QDropEvent* event) {
     event->setDropAction(Qt::CopyAction);
-    event->accept();
-    Q_EMIT filesDropped(localFiles(*event->mimeData()));
+    event->setAccepted(acceptDrop_(localFiles(*event->mimeData())));
 }
 
 void JoinerTable::keyPressEvent(QKeyEvent* event) {

@@ -2,6 +2,8 @@
 
 #include <QTableView>
 
+#include <functional>
+
 namespace velmora {
 
 /// The joiner's list: files can be dropped on it anywhere, and while it has no rows it shows its
@@ -13,11 +15,14 @@ public:
     explicit JoinerTable(QWidget* parent = nullptr);
 
     void setModel(QAbstractItemModel* model) override;
+    /// What is asked whether a drag of files may be dropped (the operations it may do, as bits),
+    /// and whether the dropped files were taken.
+    void setDropHandlers(std::function<unsigned()> validate,
+                         std::function<bool(const QStringList&)> accept);
     /// The row selected last that still is; -1 when none is.
     int selectedRow() const;
 
 Q_SIGNALS:
-    void filesDropped(const QStringList& paths);
     void deletePressed();
 
 protected:
@@ -29,9 +34,13 @@ protected:
 
 private:
     QWidget* hint() const;
+    void welcome(QDragMoveEvent& event) const;
     void fitColumns();
     void placeHint();
     void showHintWhenEmpty();
+
+    std::function<unsigned()> validateDrop_ = [] { return 0U; };
+    std::function<bool(const QStringList&)> acceptDrop_ = [](const QStringList&) { return false; };
 };
 
 } // namespace velmora

@@ -53,7 +53,9 @@ void MainController::connectActions() {
     }
     connect(ui_.mCustomSlider, &CustomSlider::sliderDragged, this,
             [this] { slider_drag(*ui_.mCustomSlider); });
-    connect(ui_.tableView, &JoinerTable::filesDropped, this, &MainController::tableViewAcceptDrop);
+    ui_.tableView->setDropHandlers(
+        [this] { return tableViewValidateDrop(); },
+        [this](const QStringList& files) { return tableViewAcceptDrop(files); });
     connect(ui_.tableView, &JoinerTable::deletePressed, this,
             &MainController::button_joiner_delfile);
     connect(ui_.mTextFieldHowTo, &QLabel::linkActivated, this, &MainController::showHelp);
