@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,14 @@ struct Combination {
     AVCodecID audio;
 };
 
+std::string nameOf(const Combination& made) {
+    return made.extension + "_" + kCodecNames.at(made.video) + "_" + kCodecNames.at(made.audio);
+}
+
+void PrintTo(const Combination& made, std::ostream* out) {
+    *out << nameOf(made);
+}
+
 std::vector<Combination> combinations() {
     std::vector<Combination> all;
     for (const Container& container : containers()) {
@@ -76,7 +85,9 @@ protected:
     ReencodeMatrix() { choose(GetParam().video, GetParam().audio); }
 
     void expectWhatWasAskedFor(const std::string& path, const Source& source) const {
-        const auto shown = ffprobeJson(path, {"-show_streams", "-show_packets"});
+        const auto shown = ffprobeJson(
+            path, {"-show_entries", "stream=codec_type,codec_name,width,height,sample_rate,"
+                                    "channels:packet=codec_type,pts_time,dts_time"});
         for (const auto& stream : shown.at("streams")) {
             const bool isVideo = stream.at("codec_type") == "video";
             EXPECT_EQ(stream.at("codec_name"),
@@ -119,23 +130,22 @@ protected:
 };
 
 TEST_P(ReencodeMatrix, Combination_is_made_from_every_source_and_plays) {
+    std::vector<std::string> outputs;
     for (const Source& source : kSources) {
         SCOPED_TRACE(source.name);
         engine_.videoFrameRate = 0.0; // a run puts the rate of its source here
-        const std::string output = folder_ / (std::string("out.") + GetParam().extension);
+        const std::string output = folder_ / (asTestName(source.name) + "." + GetParam().extension);
 
         EXPECT_EQ(cut(mediaPath(source.name), 0, 1000 * kSeconds, output).states, std::vector{1});
 
         expectWhatWasAskedFor(output, source);
-        EXPECT_TRUE(ffmpegDecodesClean(output));
+        outputs.push_back(output);
     }
+    EXPECT_TRUE(ffmpegDecodesClean(outputs));
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ReencodeMatrix, testing::ValuesIn(combinations()),
-                         [](const auto& made) {
-                             return made.param.extension + "_" + kCodecNames.at(made.param.video) +
-                                    "_" + kCodecNames.at(made.param.audio);
-                         });
+                         [](const auto& tested) { return nameOf(tested.param); });
 
 } // namespace
 } // namespace velmora::test

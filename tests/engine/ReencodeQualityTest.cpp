@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <limits>
 #include <numeric>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -193,6 +194,10 @@ struct Sound {
     const char* name;
     AVCodecID codec;
 };
+
+void PrintTo(const Sound& sound, std::ostream* out) {
+    *out << sound.name;
+}
 
 class ReencodeSound : public Reencode, public testing::WithParamInterface<Sound> {};
 

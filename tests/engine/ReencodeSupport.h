@@ -15,10 +15,11 @@ namespace velmora::test {
 /// A test of re-encoding jobs. The settings ask for H.264 and AAC, 160 x 120, the source's rate,
 /// 44,100 Hz and two channels, until a test asks for something else.
 class Reencode : public JobTest {
-protected:
-    Reencode();
+public:
     ~Reencode() override { engine_.reencode = 0; }
 
+protected:
+    Reencode();
     void choose(AVCodecID video, AVCodecID audio);
 
     JobResult cut(const std::string& input, float startMs, float endMs, const std::string& output);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -59,6 +60,10 @@ struct Container {
     AVCodecID audio;
     int frameSamples; ///< of the audio encoder
 };
+
+void PrintTo(const Container& container, std::ostream* out) {
+    *out << container.extension;
+}
 
 constexpr std::array kContainers = {Container{"mp4", AV_CODEC_ID_H264, AV_CODEC_ID_AAC, 1024},
                                     Container{"mkv", AV_CODEC_ID_H264, AV_CODEC_ID_VORBIS, 1024},
@@ -194,6 +199,16 @@ TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_is_replaced) {
     ASSERT_EQ(flashes.size(), 3U);
     ASSERT_EQ(beeps.size(), 2U);
     EXPECT_NEAR(beeps[1], flashes[2], 0.07);
+}
+
+TEST_F(ReencodeSilence, SoundOfTheFirstInputThatCannotBeDecoded_is_left_out) {
+    const std::string unknown = folder_ / "unknown.avi";
+    forgetSoundCodec(signalOf("mpeg4"), unknown);
+
+    EXPECT_EQ(cut(unknown, 0, 2000, output_).states, std::vector{1});
+
+    EXPECT_TRUE(fieldsOf(output_, "a:0").is_null());
+    EXPECT_NEAR(endOf(output_, "v:0"), 2.0, 0.05);
 }
 
 // Otherwise a cancelled join would go on for as long as the missing sound takes.

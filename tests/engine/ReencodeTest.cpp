@@ -12,6 +12,7 @@ extern "C" {
 #include <cstdlib>
 #include <functional>
 #include <numeric>
+#include <ostream>
 
 namespace velmora::test {
 namespace {
@@ -24,6 +25,14 @@ struct Target {
     const char* videoName; ///< ffprobe's
     const char* audioName; ///< ffprobe's
 };
+
+std::string nameOf(const Target& made) {
+    return std::string(made.videoName) + "_" + made.audioName + "_" + made.extension;
+}
+
+void PrintTo(const Target& made, std::ostream* out) {
+    *out << nameOf(made);
+}
 
 class ReencodeTo : public Reencode, public testing::WithParamInterface<Target> {};
 
@@ -61,10 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Target{"wmv", AV_CODEC_ID_WMV2, AV_CODEC_ID_WMAV2, "wmv2", "wmav2"},
                     Target{"flv", AV_CODEC_ID_FLV1, AV_CODEC_ID_MP3, "flv1", "mp3"},
                     Target{"mkv", AV_CODEC_ID_H264, AV_CODEC_ID_VORBIS, "h264", "vorbis"}),
-    [](const auto& made) {
-        return std::string(made.param.videoName) + "_" + made.param.audioName + "_" +
-               made.param.extension;
-    });
+    [](const auto& tested) { return nameOf(tested.param); });
 
 TEST_F(Reencode, Pictures_are_numbered_one_frame_apart) {
     const std::string output = folder_ / "out.mp4";

@@ -71,8 +71,19 @@ std::vector<std::string> frameMd5s(const std::string& path, const std::string& s
 }
 
 bool ffmpegDecodesClean(const std::string& path) {
-    const ProgramResult result = runProgram(
-        {"ffmpeg", "-v", "error", "-nostdin", "-xerror", "-i", addressOf(path), "-f", "null", "-"});
+    return ffmpegDecodesClean(std::vector{path});
+}
+
+bool ffmpegDecodesClean(const std::vector<std::string>& paths) {
+    std::vector<std::string> command{"ffmpeg", "-v", "error", "-nostdin", "-xerror"};
+    for (const std::string& path : paths) {
+        command.insert(command.end(), {"-i", addressOf(path)});
+    }
+    for (std::size_t i = 0; paths.size() > 1 && i < paths.size(); ++i) {
+        command.insert(command.end(), {"-map", std::to_string(i)});
+    }
+    command.insert(command.end(), {"-f", "null", "-"});
+    const ProgramResult result = runProgram(command);
     return result.status == 0 && result.errors.empty();
 }
 

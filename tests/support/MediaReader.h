@@ -30,5 +30,7 @@ std::vector<std::string> frameMd5s(const std::string& path, const std::string& s
 
 /// Whether ffmpeg decodes all of the file without a word.
 bool ffmpegDecodesClean(const std::string& path);
+/// The same of several files, all their streams, in one go.
+bool ffmpegDecodesClean(const std::vector<std::string>& paths);
 
 } // namespace velmora::test
