@@ -26,9 +26,12 @@ SoundWriter::SoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder
       firstSample_(timing == Timing::Cut ? 0 : stream.clock.units()),
       startSeconds_(stream.clock.seconds()), stop_(stop) {}
 
+// Sound for which there is no memory is left out, which does not fail the input.
 PacketOutcome SoundWriter::write(const AVFrame& sound) {
-    const auto outcome = outcomeOf(encoder_.queue(sound));
-    return std::max(outcome, encodeWholeChunks());
+    if (const int result = encoder_.queue(sound); result < 0) {
+        logFailure("sound", "queue", result);
+    }
+    return encodeWholeChunks();
 }
 
 PacketOutcome SoundWriter::fillUntil(double seconds) {

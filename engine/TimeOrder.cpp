@@ -69,7 +69,7 @@ bool TimeOrder::isWaiting() const {
 }
 
 void TimeOrder::hold(PacketHandle packet) {
-    const auto stream = std::ranges::find(streams_, packet->stream_index, &Stream::index);
+    auto* const stream = std::ranges::find(streams_, packet->stream_index, &Stream::index);
     if (stream == streams_.end()) {
         return;
     }

@@ -86,6 +86,7 @@ void VideoTranscoder::decode(Work& work) {
 void VideoTranscoder::scale(Work& work) {
     for (FrameHandle& picture : work.pictures) {
         picture = scaler_.fit(*picture, encoder_.context());
+        work.isWhole = work.isWhole && picture != nullptr;
     }
 }
 
@@ -118,7 +119,7 @@ PacketOutcome VideoTranscoder::write(const Work& work) {
             return outcome;
         }
     }
-    return PacketOutcome::Done;
+    return work.isWhole ? PacketOutcome::Done : PacketOutcome::FailedEnd;
 }
 
 PacketOutcome VideoTranscoder::write(AVPacket& packet) {

@@ -41,6 +41,7 @@ private:
         std::vector<FrameHandle> pictures; ///< as decoded, then as they are to be encoded
         std::vector<PacketHandle> encoded;
         bool hadPicture = false;
+        bool isWhole = true; ///< no picture is missing that could not be scaled
         std::promise<void> done;
     };
 

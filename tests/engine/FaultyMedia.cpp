@@ -1,0 +1,67 @@
+#include "FaultyMedia.h"
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/audio_fifo.h>
+}
+
+#include <atomic>
+#include <utility>
+
+namespace velmora::test {
+namespace {
+
+std::atomic<const FaultyMedia::Decisions*> decisionsNow{nullptr};
+
+} // namespace
+
+FaultyMedia::FaultyMedia(Decisions decisions) : decisions_(std::move(decisions)) {
+    decisionsNow = &decisions_;
+}
+
+FaultyMedia::~FaultyMedia() {
+    decisionsNow = nullptr;
+}
+
+const FaultyMedia::Decisions* FaultyMedia::current() {
+    return decisionsNow;
+}
+
+} // namespace velmora::test
+
+// The names are the linker's.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
+extern "C" {
+int __real_av_interleaved_write_frame(AVFormatContext* output, AVPacket* packet);
+int __real_avcodec_send_frame(AVCodecContext* encoder, const AVFrame* frame);
+int __real_av_frame_get_buffer(AVFrame* frame, int align);
+int __real_av_audio_fifo_write(AVAudioFifo* queue, void** data, int samples);
+
+int __wrap_av_interleaved_write_frame(AVFormatContext* output, AVPacket* packet) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    if (faults != nullptr && faults->write && packet != nullptr && faults->write(*packet)) {
+        av_packet_unref(packet);
+        return AVERROR(EIO);
+    }
+    return __real_av_interleaved_write_frame(output, packet);
+}
+
+int __wrap_avcodec_send_frame(AVCodecContext* encoder, const AVFrame* frame) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    const bool fails = faults != nullptr && faults->encode && faults->encode(*encoder, frame);
+    return fails ? AVERROR(ENOMEM) : __real_avcodec_send_frame(encoder, frame);
+}
+
+int __wrap_av_frame_get_buffer(AVFrame* frame, int align) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    const bool fails = faults != nullptr && faults->allocate && faults->allocate(*frame);
+    return fails ? AVERROR(ENOMEM) : __real_av_frame_get_buffer(frame, align);
+}
+
+int __wrap_av_audio_fifo_write(AVAudioFifo* queue, void** data, int samples) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    const bool fails = faults != nullptr && faults->queue && faults->queue(samples);
+    return fails ? AVERROR(ENOMEM) : __real_av_audio_fifo_write(queue, data, samples);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)

@@ -1,0 +1,182 @@
+// What becomes of an input when memory, an encoder or the output fails in mid-run.
+
+#include "FaultyMedia.h"
+#include "ReencodeSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velmora::test {
+namespace {
+
+constexpr int kVideo = 0; // index in the output
+constexpr int kAudio = 1;
+
+/// One second: 25 pictures, of which the encoder keeps none, and 48,000 samples that have to be
+/// resampled, four frames of sound in each packet.
+class ReencodeFaults : public Reencode {
+protected:
+    ReencodeFaults() {
+        engine_.videoWidth = 64;
+        engine_.videoHeight = 48;
+        choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);
+    }
+
+    JobResult cutWith(FaultyMedia::Decisions decisions) {
+        const FaultyMedia faults(std::move(decisions));
+        return cut(source_, 0, 2000, output_); // to its end
+    }
+    std::size_t pictures() const { return packetsOf(output_, "v:0").size(); }
+    std::size_t sounds() const { return packetsOf(output_, "a:0").size(); }
+
+    const std::string source_ = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=64x48:rate=25:duration=1 -f lavfi -i "
+        "sine=f=440:d=1:sample_rate=48000:samples_per_frame=4096 -c:v mpeg4 -c:a flac -ac 2",
+        "faults.mkv");
+    const std::string output_ = folder_ / "out.mkv";
+    static constexpr std::size_t kPictures = 25;
+    static constexpr std::size_t kSounds = 45;
+    std::atomic<int> calls_{0};
+};
+
+TEST_F(ReencodeFaults, WithoutAny_all_is_written) {
+    EXPECT_EQ(cutWith({}).states, std::vector{1});
+
+    EXPECT_EQ(pictures(), kPictures);
+    EXPECT_EQ(sounds(), kSounds);
+}
+
+TEST_F(ReencodeFaults, PictureThatCannotBeWritten_ends_the_input_and_fails_it) {
+    const auto result = cutWith({.write = [this](const AVPacket& packet) {
+        return packet.stream_index == kVideo && ++calls_ == 10;
+    }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_EQ(pictures(), 9U);
+    EXPECT_LT(sounds(), kSounds);
+}
+
+TEST_F(ReencodeFaults, SoundThatCannotBeWritten_fails_the_input_which_goes_on) {
+    for (const int failing : {1, 10, static_cast<int>(kSounds)}) { // the last one is of the drain
+        calls_ = 0;
+        const auto result = cutWith({.write = [&](const AVPacket& packet) {
+            return packet.stream_index == kAudio && ++calls_ == failing;
+        }});
+
+        EXPECT_EQ(result.states, std::vector{2}) << failing;
+        EXPECT_EQ(pictures(), kPictures) << failing;
+        EXPECT_EQ(sounds(), kSounds - 1) << failing;
+    }
+}
+
+TEST_F(ReencodeFaults, NoSoundThatCanBeWritten_leaves_the_pictures) {
+    const auto result =
+        cutWith({.write = [](const AVPacket& packet) { return packet.stream_index == kAudio; }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_EQ(pictures(), kPictures);
+    EXPECT_EQ(sounds(), 0U);
+}
+
+// The decoder holds two pictures when the clock has reached the end.
+TEST_F(ReencodeFaults, PictureOfTheDrainThatCannotBeWritten_fails_the_input) {
+    const std::string source = mediaPath("h264-bframes.mp4");
+    ASSERT_EQ(fieldsOf(source, "v:0").at("has_b_frames"), 2);
+    const FaultyMedia faults({.write = [this](const AVPacket& packet) {
+        return packet.stream_index == kVideo && ++calls_ == 31;
+    }});
+
+    EXPECT_EQ(cut(source, 0, 1000, output_).states, std::vector{2});
+
+    EXPECT_EQ(pictures(), 30U);
+}
+
+TEST_F(ReencodeFaults, ChunkThatCannotBeEncoded_fails_the_input_which_goes_on) {
+    const auto result = cutWith({.encode = [this](const AVCodecContext& encoder, const AVFrame*) {
+        return encoder.codec_type == AVMEDIA_TYPE_AUDIO && ++calls_ == 10;
+    }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_EQ(pictures(), kPictures);
+    EXPECT_EQ(sounds(), kSounds - 1);
+}
+
+TEST_F(ReencodeFaults, SoundThatCannotBeDrained_fails_the_input) {
+    const auto result = cutWith({.encode = [](const AVCodecContext& encoder, const AVFrame* frame) {
+        return encoder.codec_type == AVMEDIA_TYPE_AUDIO && frame == nullptr;
+    }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_EQ(pictures(), kPictures);
+    EXPECT_EQ(sounds(), kSounds - 2); // which the encoder still held
+}
+
+TEST_F(ReencodeFaults, PictureThatCannotBeEncoded_is_left_out) {
+    const auto result = cutWith({.encode = [this](const AVCodecContext& encoder, const AVFrame*) {
+        return encoder.codec_type == AVMEDIA_TYPE_VIDEO && ++calls_ == 10;
+    }});
+
+    EXPECT_EQ(result.states, std::vector{1});
+    EXPECT_EQ(pictures(), kPictures - 1);
+}
+
+bool isResampled(const AVFrame& frame) {
+    constexpr int chunk = 1024;
+    return frame.nb_samples > 0 && frame.nb_samples != chunk;
+}
+
+TEST_F(ReencodeFaults, NoMemoryForResampledSound_ends_the_input_and_fails_it) {
+    const auto result = cutWith(
+        {.allocate = [this](const AVFrame& frame) { return isResampled(frame) && ++calls_ == 5; }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_LT(pictures(), kPictures);
+    EXPECT_LT(sounds(), 20U);
+}
+
+TEST_F(ReencodeFaults, NoMemoryForAChunk_fails_the_input_which_goes_on) {
+    const auto result = cutWith({.allocate = [this](const AVFrame& frame) {
+        return frame.nb_samples == 1024 && ++calls_ == 5;
+    }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_EQ(pictures(), kPictures);
+    EXPECT_LT(sounds(), kSounds);
+}
+
+TEST_F(ReencodeFaults, NoMemoryForAPicture_fails_the_input) {
+    engine_.videoWidth = 96; // so that it is scaled
+    const auto result = cutWith(
+        {.allocate = [this](const AVFrame& frame) { return frame.width > 0 && ++calls_ == 5; }});
+
+    EXPECT_EQ(result.states, std::vector{2});
+    EXPECT_EQ(pictures(), 4U);
+}
+
+TEST_F(ReencodeFaults, NoMemoryInTheQueue_leaves_the_sound_out) {
+    const auto result = cutWith({.queue = [this](int) { return ++calls_ == 5; }});
+
+    EXPECT_EQ(result.states, std::vector{1});
+    EXPECT_EQ(pictures(), kPictures);
+    EXPECT_NEAR(static_cast<double>(sounds()), static_cast<double>(kSounds) - 4.0, 1.0);
+}
+
+// With nothing to write, the silence of a join would never end.
+TEST_F(ReencodeFaults, NoMemoryForSilence_fails_the_input) {
+    const std::string mute = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=64x48:rate=25:duration=1 -c:v mpeg4", "faults-mute.mkv");
+    const FaultyMedia faults(
+        {.queue = [](int samples) { return samples == 1024; }}); // not those of the first input
+
+    EXPECT_EQ(join({source_, mute}, output_).states, (std::vector{1, 2}));
+
+    EXPECT_EQ(pictures(), 2 * kPictures);
+}
+
+} // namespace
+} // namespace velmora::test
