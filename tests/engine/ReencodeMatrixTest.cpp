@@ -84,7 +84,7 @@ class ReencodeMatrix : public Reencode, public testing::WithParamInterface<Combi
 protected:
     ReencodeMatrix() { choose(GetParam().video, GetParam().audio); }
 
-    void expectWhatWasAskedFor(const std::string& path, const Source& source) const {
+    static void expectWhatWasAskedFor(const std::string& path, const Source& source) {
         const auto shown = ffprobeJson(
             path, {"-show_entries", "stream=codec_type,codec_name,width,height,sample_rate,"
                                     "channels:packet=codec_type,pts_time,dts_time"});
@@ -105,7 +105,7 @@ protected:
     }
 
 private:
-    void expectPictures(const nlohmann::json& packets, const Source& source) const {
+    static void expectPictures(const nlohmann::json& packets, const Source& source) {
         std::vector<double> times;
         for (const auto& packet : packets) {
             if (packet.at("codec_type") == "video") {
