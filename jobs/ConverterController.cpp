@@ -97,12 +97,10 @@ void ConverterController::refreshProgree() {
 /// The window stands for a run that has not started: of the one before, only the outcome matters.
 void ConverterController::awaitTurn() {
     const bool endsNow = run_ && !run_->isSettled() && run_->hasEnded();
-    const FileList done = items();
     auto outcome = Outcome::Failed;
     if (endsNow) {
-        copyStates(done, engine().jobCount);
-        outcome = stateOf(0) == ConversionEngine::Done ? Outcome::Completed : Outcome::Failed;
-        run_->settle();
+        outcome = takeOutcome();
+        run_.reset();
     }
     startNext();
     if (waiting_.empty())
@@ -116,18 +114,16 @@ void ConverterController::takeTurn() {
     const bool ended = run_ && run_->hasEnded();
     if (run_ && run_->isSettled()) { // cancelled, and another one may be using the counters
         refreshTimer_->stop();
-        if (run_->isLatest())
-            copyStates(run_->items(), engine().currentIndex);
+        copyStates(engine().currentIndex);
         run_.reset();
         return;
     }
-    if (run_ && !run_->hasBegun()) { // the counters are still those of the run before
+    if (!countersAreOurs()) {
         if (ended)
             endWith(Outcome::Failed);
         return;
     }
-    const FileList all = items();
-    showItem(all);
+    showItem();
     showTotal();
     showTime();
     if (engine().stopRequested != 0) {
@@ -135,18 +131,28 @@ void ConverterController::takeTurn() {
         performClose();
         return;
     }
-    takeResults(all);
-    if (ended && run_ && !run_->isSettled()) { // without going over all inputs
-        copyStates(all, engine().jobCount);
-        endWith(Outcome::Failed);
+    const bool overAll = isOverAllInputs();
+    if (overAll) {
+        totleProgress_->setValue(100);
+        singleProgress_->setValue(100);
     }
+    if (overAll || ended) // it may end without going over all inputs
+        endWith(takeOutcome());
+    else
+        takeResults();
 }
 
 /// Those of the run that is watched, else those on show.
 FileList ConverterController::items() const {
-    if (run_ && !run_->isSettled())
+    if (run_)
         return run_->items();
     return sharedFileList ? *sharedFileList : FileList();
+}
+
+/// Until a run has begun, the counters are those of the run before; later on, another one may have
+/// taken them over.
+bool ConverterController::countersAreOurs() const {
+    return !run_ || (run_->hasBegun() && run_->isLatest());
 }
 
 void ConverterController::showStart() {
@@ -158,12 +164,12 @@ void ConverterController::showStart() {
     ProgressWindow::show(*outlets.timeTxt, " ");
 }
 
-void ConverterController::showItem(const FileList& items) {
+void ConverterController::showItem() {
     const std::int32_t percent = engine().currentPercent;
     const std::int32_t index = engine().currentIndex;
     if (percent < 0 || index >= engine().jobCount)
         return;
-    if (const auto item = CommonAction::entryAt(items, index))
+    if (const auto item = CommonAction::entryAt(items(), index))
         ProgressWindow::show(
             *winConverterController_->outlets().singleTxt,
             QString("Current File Converting: %1 %2% has completed")
@@ -196,36 +202,50 @@ void ConverterController::showTime() {
     ProgressWindow::show(*winConverterController_->outlets().timeTxt, text);
 }
 
-void ConverterController::takeResults(const FileList& items) {
+void ConverterController::takeResults() {
+    const FileList all = items();
     for (std::int32_t i = 0; i < inTable(engine().currentIndex); ++i) {
-        const std::int32_t state = stateOf(i);
-        if (const auto item = CommonAction::entryAt(items, i)) {
-            item->converteState = state;
+        if (const auto item = CommonAction::entryAt(all, i)) {
+            item->converteState = stateOf(i);
             item->isSeleted = 0;
-        }
-        if (engine().currentIndex == engine().jobCount) {
-            totleProgress_->setValue(100);
-            singleProgress_->setValue(100);
-            endWith(state == ConversionEngine::Done ? Outcome::Completed : Outcome::Failed);
         }
     }
 }
 
-void ConverterController::copyStates(const FileList& items, std::int32_t count) {
+void ConverterController::copyStates(std::int32_t count) {
+    if (!countersAreOurs())
+        return;
+    const FileList all = items();
     for (std::int32_t i = 0; i < inTable(count); ++i) {
-        if (const auto item = CommonAction::entryAt(items, i))
+        if (const auto item = CommonAction::entryAt(all, i))
             item->converteState = stateOf(i);
     }
+}
+
+/// Takes the results of a run that has ended. How it went is told by its first item only.
+ConverterController::Outcome ConverterController::takeOutcome() {
+    if (!countersAreOurs())
+        return Outcome::Failed;
+    takeResults();
+    copyStates(engine().jobCount); // of inputs that were not reached, too
+    return isOverAllInputs() && stateOf(0) == ConversionEngine::Done ? Outcome::Completed
+                                                                     : Outcome::Failed;
+}
+
+bool ConverterController::isOverAllInputs() {
+    return engine().currentIndex > 0 && engine().currentIndex == engine().jobCount;
 }
 
 void ConverterController::endWith(Outcome outcome) {
     refreshTimer_->stop();
     performClose();
     stopOwnSession();
-    if (run_)
-        run_->settle();
+    run_.reset();
     tell(outcome);
-    engine().jobCount += 1; // the counters do not say again that the run has ended
+    // The counters do not say again that the run has ended. While the message was on screen, a run
+    // that had waited may have begun; then they are its own.
+    if (ConversionRun::inProgress() == nullptr)
+        engine().jobCount += 1;
 }
 
 void ConverterController::tell(Outcome outcome) {
@@ -237,7 +257,7 @@ void ConverterController::tell(Outcome outcome) {
 
 bool ConverterController::windowShouldClose() {
     if (waiting_.empty())
-        copyStates(items(), engine().currentIndex);
+        copyStates(engine().currentIndex);
     stopOwnSession();
     return true;
 }

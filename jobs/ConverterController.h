@@ -56,12 +56,15 @@ private:
     void takeTurn();
 
     FileList items() const;
+    bool countersAreOurs() const;
+    static bool isOverAllInputs();
     void showStart();
-    void showItem(const FileList& items);
+    void showItem();
     void showTotal();
     void showTime();
-    void takeResults(const FileList& items);
-    void copyStates(const FileList& items, std::int32_t count);
+    void takeResults();
+    void copyStates(std::int32_t count);
+    Outcome takeOutcome();
     void endWith(Outcome outcome);
     void tell(Outcome outcome);
     void performClose();
@@ -72,7 +75,7 @@ private:
     QProgressBar* totleProgress_ = nullptr;              ///< 0 to 100; the window's
     QTimer* refreshTimer_;                               ///< a child of this
     std::int32_t iConverted_ = 0;                        ///< not used
-    std::unique_ptr<ConversionRun> run_;                 ///< the latest one that was started here
+    std::unique_ptr<ConversionRun> run_;                 ///< started here and not told yet
     std::deque<std::unique_ptr<ConversionRun>> waiting_; ///< for the engine, oldest first
     QElapsedTimer sinceStart_;
 };

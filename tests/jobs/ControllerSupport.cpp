@@ -15,7 +15,7 @@ AlertReader::AlertReader() {
 
 void AlertReader::answer() {
     auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box == nullptr || !box->isVisible())
+    if (box == nullptr || !box->isVisible() || !mayAnswer())
         return;
     QStringList labels;
     for (const QAbstractButton* button : box->buttons())

@@ -19,6 +19,8 @@ class AlertReader {
 public:
     AlertReader();
 
+    /// Whether the alert may be answered already.
+    std::function<bool()> mayAnswer = [] { return true; };
     QStringList messages;
     QStringList titles;
     QStringList buttons; ///< the labels of each, joined

@@ -4,6 +4,11 @@
 
 #include <QtTest>
 
+#include <pthread.h>
+
+#include <optional>
+#include <utility>
+
 namespace velmora::test {
 namespace {
 
@@ -213,6 +218,46 @@ TEST_F(ConverterControllerTest, countersOfAnEarlierRun_areNotTakenForThisOne) {
     setCounters(1, 1, 100, {1});
     show(controller_, directJob("out.mp4"), [&] { controller_.refreshProgree(); });
     EXPECT_EQ(alerts_.messages, QStringList{kFailed});
+}
+
+/// While one lives, no thread can be started: each would need more memory than there are addresses.
+class NoMoreThreads {
+public:
+    NoMoreThreads() {
+        pthread_attr_init(&before_);
+        pthread_getattr_default_np(&before_);
+        pthread_attr_t tooLarge;
+        pthread_attr_init(&tooLarge);
+        pthread_attr_setstacksize(&tooLarge, std::size_t{1} << 60U);
+        pthread_setattr_default_np(&tooLarge);
+        pthread_attr_destroy(&tooLarge);
+    }
+    ~NoMoreThreads() {
+        pthread_setattr_default_np(&before_);
+        pthread_attr_destroy(&before_);
+    }
+    NoMoreThreads(const NoMoreThreads&) = delete;
+    NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+private:
+    pthread_attr_t before_{};
+};
+
+TEST_F(ConverterControllerTest, runThatCannotBeStarted_isToldAsFailedWithoutStatesOfTheOneBefore) {
+    addItem(mediaPath("h264.mp4"), 0, 1000);
+    show(controller_, directJob("before.mp4"));
+    sharedFileList->clear();
+    addItem(mediaPath("h264.mp4"), 0, 1000).isSeleted = 1;
+    std::optional<NoMoreThreads> none{std::in_place};
+    // The bars are cleared after the start of the worker and before the window, which needs
+    // threads.
+    QObject::connect(controller_.totleProgress(), &QProgressBar::valueChanged,
+                     [&] { none.reset(); });
+    show(controller_, directJob("out.mp4"));
+    EXPECT_EQ(alerts_.messages, (QStringList{kCompleted, kFailed}));
+    EXPECT_EQ(states(), std::vector<int>{Ready});
+    EXPECT_EQ(item(0).isSeleted, 1);
+    EXPECT_FALSE(isRefreshing(controller_));
 }
 
 /// The ways in which a user cancels.

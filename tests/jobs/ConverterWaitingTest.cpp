@@ -90,6 +90,37 @@ TEST_F(ConverterWaitingTest, runOfAnotherController_waitsToo) {
     EXPECT_FALSE(isRefreshing(second_));
 }
 
+TEST_F(ConverterWaitingTest, nextRun_resultsOfTheOneBefore_reachItsItems) {
+    addItem(mediaPath("h264.mp4"), 0, 4000).isSeleted = 1;
+    const auto before = sharedFileList->front();
+    leaveGoing(first_, slowJob("slow.mp4", 640, 360));
+    sharedFileList->clear();
+    const NodeInfo& next = addItem("/nowhere/in.mp4", 0, 1000);
+    show(first_, directJob("next.mp4"));
+    EXPECT_EQ(alerts_.messages, (QStringList{kCompleted, kFailed}));
+    EXPECT_EQ(before->converteState, Completed);
+    EXPECT_EQ(before->isSeleted, 0);
+    EXPECT_EQ(next.converteState, Failure);
+}
+
+TEST_F(ConverterWaitingTest, waitingRunThatBeginsBehindTheMessage_keepsItsOwnCounters) {
+    addItem(mediaPath("h264.mp4"), 0, 4);
+    addItem("/nowhere/in.mp4", 0, 4);
+    const FileList before = *sharedFileList;
+    ConverterInfo job = slowJob("slow.mp4", 1280, 720);
+    job.isCutter = 0;
+    leaveGoing(first_, job);
+    sharedFileList->clear();
+    const NodeInfo& next = addItem(mediaPath("h264.mp4"), 0, 1000);
+    alerts_.mayAnswer = [&] { return std::filesystem::exists(folder_ / "next.mp4"); };
+    show(second_, directJob("next.mp4"));
+    EXPECT_EQ(alerts_.messages, (QStringList{kCompleted, kCompleted}));
+    EXPECT_EQ(before[0]->converteState, Completed);
+    EXPECT_EQ(before[1]->converteState, Failure);
+    EXPECT_EQ(next.converteState, Completed);
+    EXPECT_EQ(engine_.jobCount, 2);
+}
+
 TEST_F(ConverterWaitingTest, cancelWhileWaiting_leavesTheRunBeforeAlone) {
     addItem(mediaPath("h264.mp4"), 0, 4000);
     leaveGoing(first_, slowJob("slow.mp4", 1280, 720));
