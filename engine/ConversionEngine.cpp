@@ -3,6 +3,7 @@
 #include "AvHandles.h"
 #include "BmpFile.h"
 #include "EngineLog.h"
+#include "HeapSettings.h"
 #include "Probe.h"
 #include "Run.h"
 #include "Snapshot.h"
@@ -27,6 +28,7 @@ ConversionEngine& ConversionEngine::instance() {
 }
 
 ConversionEngine::ConversionEngine() : snapshot_(std::make_unique<Snapshot>()) {
+    keepFreedMemory();
     setLogSink(nullptr);
     reset();
 }

@@ -150,7 +150,9 @@ Step JobRun::openInput() {
     if (input_->open() < 0 || input_->readStreamInfo() < 0 || input_->openVideoDecoder() < 0) {
         return Step::InputFailed;
     }
-    input_->openAudioDecoder(); // it may fail
+    if (job_.reencodes) {
+        input_->openAudioDecoder(); // it may fail; a copy has no use for it
+    }
     return Step::Continue;
 }
 

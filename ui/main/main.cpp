@@ -40,7 +40,7 @@ QString fileToOpen() {
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QApplication::setApplicationName("Velmora");
-    QApplication::setDesktopFileName("velmora");
+    QApplication::setDesktopFileName("org.velmora.velmora");
     QApplication::setWindowIcon(QIcon(":/images/velmora.png"));
     velmora::ConversionEngine::instance(); // gives the libraries their own log when it is made
     velmora::setLogSink(logEngineLine);
