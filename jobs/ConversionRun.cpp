@@ -7,6 +7,7 @@
 
 namespace velmora {
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): there is one engine
 ConversionRun* ConversionRun::latest_ = nullptr;
 
 ConversionRun::ConversionRun(const ConverterInfo& job)

@@ -39,6 +39,7 @@ public:
     bool isSettled() const { return marks_.cancelled && marks_.ended; }
 
 private:
+    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): there is one engine
     static ConversionRun* latest_;
 
     FileList items_;

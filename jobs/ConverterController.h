@@ -31,6 +31,8 @@ public:
     ConverterController();
     /// Asks a run that still goes on to stop and waits for it.
     ~ConverterController() override;
+    ConverterController(const ConverterController&) = delete;
+    ConverterController& operator=(const ConverterController&) = delete;
 
     /// Runs the job over the shared list and shows the window modally. Returns when the window has
     /// been closed or the run has ended.
@@ -66,7 +68,7 @@ private:
     void copyStates(std::int32_t count);
     Outcome takeOutcome();
     void endWith(Outcome outcome);
-    void tell(Outcome outcome);
+    static void tell(Outcome outcome);
     void performClose();
     void stopOwnSession();
 

@@ -19,6 +19,8 @@ class ProgressWindow : public QWidget {
 public:
     ProgressWindow();
     ~ProgressWindow() override;
+    ProgressWindow(const ProgressWindow&) = delete;
+    ProgressWindow& operator=(const ProgressWindow&) = delete;
 
     /// The widgets, by their names.
     const Ui::ConverterFrom& outlets() const { return *outlets_; }

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
-#include <QtTest>
+#include <QTest>
 
 #include <stdexcept>
 

@@ -40,8 +40,8 @@ protected:
     ControllerTest();
 
     /// Runs a job over the shared list, and `inside` when the window is on screen.
-    void show(ConverterController& controller, const ConverterInfo& job,
-              const std::function<void()>& inside = {});
+    static void show(ConverterController& controller, const ConverterInfo& job,
+                     const std::function<void()>& inside = {});
     /// Cuts or joins by copying packets.
     ConverterInfo directJob(const std::string& name, int isCutter = 1) const;
     /// Re-encodes to pictures of this size; the larger, the slower.

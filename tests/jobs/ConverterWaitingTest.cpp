@@ -2,7 +2,7 @@
 #include "MediaReader.h"
 #include "ModalSession.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace velmora::test {
 namespace {
