@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -80,6 +81,51 @@ TEST(AlertPanelTest, panel_whileShown_blocksOtherWindows) {
     EXPECT_EQ(clicks, 0);
     clickOnScreen(other);
     EXPECT_EQ(clicks, 1);
+}
+
+QPoint middleOfTheNextAlert() {
+    QPoint middle;
+    fromTheEventLoop([&middle] {
+        middle = alertPanel()->geometry().center();
+        answerAlert("OK");
+    });
+    runAlertPanel({}, "message", "OK", {});
+    return middle;
+}
+
+TEST(AlertPanelTest, panel_standsOverTheMiddleOfTheWindowInUse) {
+    QWidget window;
+    window.setGeometry(300, 300, 400, 400);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const QPoint middle = middleOfTheNextAlert();
+    EXPECT_LE((middle - window.geometry().center()).manhattanLength(), 4);
+}
+
+TEST(AlertPanelTest, panel_windowAtTheEdge_staysOnTheScreen) {
+    QWidget window;
+    window.setGeometry(-200, -100, 240, 120);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    fromTheEventLoop([] {
+        EXPECT_TRUE(alertPanel()->screen()->availableGeometry().contains(alertPanel()->geometry()));
+        answerAlert("OK");
+    });
+    runAlertPanel({}, "message", "OK", {});
+}
+
+TEST(AlertPanelTest, panel_asASheetGoesAway_belongsToTheWindowUnderIt) {
+    QWidget window;
+    window.setGeometry(300, 300, 400, 400);
+    window.show();
+    QDialog sheet(&window);
+    sheet.setGeometry(0, 0, 100, 100);
+    QPoint middle;
+    QObject::connect(&sheet, &QDialog::finished, [&middle] { middle = middleOfTheNextAlert(); });
+    sheet.open();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet));
+    sheet.accept();
+    EXPECT_LE((middle - window.geometry().center()).manhattanLength(), 4);
 }
 
 } // namespace

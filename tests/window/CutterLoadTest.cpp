@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
@@ -200,6 +201,17 @@ TEST_F(CutterLoadTest, invalidFile_chosen_alertsAndKeepsTheAnchors) {
     EXPECT_TRUE(cutterFileList->empty());
     EXPECT_EQ(bar().anchorLeft(), 20);
     EXPECT_EQ(text("mLabelEnd"), "00:00:04.000");
+}
+
+TEST_F(CutterLoadTest, invalidFile_chosen_alertsOverTheMiddleOfTheWindow) {
+    controller_.mainWin().resize(640, 480);
+    controller_.mainWin().move(150, 250);
+    press("mButtonCutterAdd");
+    controller_.mainWin().findChild<QFileDialog*>("openPanel")->move(0, 0);
+    const auto alerts = alertsOf([&] { choose({textFile()}); });
+    ASSERT_EQ(alerts.size(), 1U);
+    const QPoint aside = alerts[0].middle - controller_.mainWin().geometry().center();
+    EXPECT_LE(aside.manhattanLength(), 16);
 }
 
 TEST_F(CutterLoadTest, missingFile_alerts) {

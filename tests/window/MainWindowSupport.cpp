@@ -21,11 +21,11 @@
 namespace velmora::test {
 
 SeenAlert plainAlert(const QString& message) {
-    return {QGuiApplication::applicationDisplayName(), message, {"OK"}};
+    return {QGuiApplication::applicationDisplayName(), message, {"OK"}, {}};
 }
 
 SeenAlert errorAlert(const QString& message) {
-    return {"Error", message, {"OK"}};
+    return {"Error", message, {"OK"}, {}};
 }
 
 bool operator==(const SeenAlert& a, const SeenAlert& b) {
@@ -47,7 +47,7 @@ std::vector<SeenAlert> alertsOf(const std::function<void()>& action) {
         QStringList buttons;
         for (const QAbstractButton* const button : box->buttons())
             buttons.append(button->text());
-        seen.push_back({box->windowTitle(), box->text(), buttons});
+        seen.push_back({box->windowTitle(), box->text(), buttons, box->geometry().center()});
         answerAlert("OK");
     });
     watch.start(0);

@@ -10,6 +10,7 @@
 #include "customImageView.h"
 
 #include <QLineEdit>
+#include <QPoint>
 #include <QStringList>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -25,6 +26,7 @@ struct SeenAlert {
     QString title;
     QString message;
     QStringList buttons;
+    QPoint middle; ///< on the screen; alerts are alike wherever they are
 };
 
 /// The alert without a title that is used for `message`.

@@ -1,18 +1,58 @@
 #include "AlertPanel.h"
 
+#include "ModalSession.h"
+
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace velmora {
 namespace {
 
+/// The nearest window on screen that this one belongs to, or itself; null if there is none.
+QWindow* onScreen(QWindow* window) {
+    while (window && !window->isVisible())
+        window = window->transientParent();
+    return window;
+}
+
+/// The window that the user looks at. The one with the focus may be a file panel that is just
+/// going away: then it is the one that the panel belongs to.
+QWindow* windowInUse() {
+    if (QWindow* const focused = onScreen(QGuiApplication::focusWindow()))
+        return focused;
+    if (const QWidget* const modal = modalWindow(); modal && modal->isVisible())
+        return modal->windowHandle();
+    for (const QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->windowHandle() && !window->parentWidget())
+            return window->windowHandle();
+    }
+    return nullptr;
+}
+
+/// Puts the box over the middle of the window, as far as the screen allows.
+void centre(QMessageBox& box, const QWindow& over) {
+    box.adjustSize();
+    QRect place = box.rect();
+    place.moveCenter(over.geometry().center());
+    const QRect room = over.screen()->availableGeometry();
+    place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() - place.width())));
+    place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() - place.height())));
+    box.move(place.topLeft());
+}
+
 /// Keeps the box above the window in use. That window may go away first, so it is no parent.
-void placeOverActiveWindow(QMessageBox& box) {
-    QWindow* const inUse = QGuiApplication::focusWindow();
+void placeOverWindowInUse(QMessageBox& box) {
+    QWindow* const inUse = windowInUse();
+    if (!inUse)
+        return;
     box.winId(); // makes the window handle
     box.windowHandle()->setTransientParent(inUse);
+    centre(box, *inUse);
 }
 
 } // namespace
@@ -31,7 +71,7 @@ int runAlertPanel(const QString& title, const QString& message, const QString& d
         box.setEscapeButton(accept);
     else
         box.setEscapeButton(box.addButton(alternateButton, QMessageBox::RejectRole));
-    placeOverActiveWindow(box);
+    placeOverWindowInUse(box);
     box.exec();
     return box.clickedButton() == accept ? AlertDefault : AlertAlternate;
 }

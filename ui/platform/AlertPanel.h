@@ -7,10 +7,11 @@ namespace velmora {
 /// Answers of an alert panel.
 enum AlertAnswer : int { AlertAlternate = 0, AlertDefault = 1 };
 
-/// Shows a message, as plain text, over all windows and returns the answer once the user has given
-/// it. An alternate button with an empty label is not drawn. Without a title, the window carries
-/// the application's name. Dismissing the panel takes the alternate button if there is one. The
-/// box's objectName is "alertPanel". Main thread.
+/// Shows a message, as plain text, over the middle of the window in use and returns the answer once
+/// the user has given it. All other windows are blocked until then. An alternate button with an
+/// empty label is not drawn. Without a title, the window carries the application's name. Dismissing
+/// the panel takes the alternate button if there is one. The box's objectName is "alertPanel". Main
+/// thread.
 int runAlertPanel(const QString& title, const QString& message, const QString& defaultButton,
                   const QString& alternateButton);
 
