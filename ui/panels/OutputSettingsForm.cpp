@@ -26,6 +26,12 @@ void setHint(QLabel& label, QRadioButton& button, const QString& hint) {
     button.setAccessibleDescription(hint);
 }
 
+void setItalic(QLabel& label, bool italic) {
+    QFont font = label.font();
+    font.setItalic(italic);
+    label.setFont(font);
+}
+
 /// Combo boxes take what is typed as it is: they neither complete it nor keep it as an entry.
 void takeTextAsTyped(QWidget& form) {
     for (QComboBox* const box : form.findChildren<QComboBox*>())
@@ -65,12 +71,12 @@ void OutputSettingsForm::showResultPath(const QString& path) {
     outlets_->mResultPath->setText(path);
     outlets_->mResultPath->setToolTip(path.toHtmlEscaped());
     outlets_->mResultPath->setAccessibleDescription(path);
-    outlets_->mResultPath->setEnabled(true);
+    setItalic(*outlets_->mResultPath, false);
 }
 
 void OutputSettingsForm::showNoResultPath(const QString& hint) {
     showResultPath(hint);
-    outlets_->mResultPath->setEnabled(false);
+    setItalic(*outlets_->mResultPath, true);
 }
 
 void OutputSettingsForm::setDirectTitle(const QString& title) {

@@ -30,7 +30,7 @@ public:
 
     /// Shows where the output will go, shortened in its middle where that has to be.
     void showResultPath(const QString& path);
-    /// The same with what is still to do before there is a path.
+    /// The same, in italics, with what is still to do before there is a path.
     void showNoResultPath(const QString& hint);
 
     // The two rows are told apart by a title and one sentence under it, which the interface

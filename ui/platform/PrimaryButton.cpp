@@ -7,8 +7,8 @@ namespace velmora {
 void makePrimary(QPushButton& button) {
     button.setStyleSheet("QPushButton { background: #1F6FB2; color: white; border: 2px solid "
                          "#1F6FB2; border-radius: 4px; padding: 4px 16px; }"
-                         "QPushButton:hover { background: #2A80C7; }"
-                         "QPushButton:pressed { background: #185A91; }"
+                         "QPushButton:hover { background: #1A619D; }"
+                         "QPushButton:pressed { background: #155084; }"
                          "QPushButton:focus { border-color: palette(text); }"
                          "QPushButton:disabled { background: palette(mid); "
                          "border-color: palette(mid); color: palette(window); }");
