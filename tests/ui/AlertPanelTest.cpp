@@ -120,6 +120,9 @@ TEST(AlertPanelTest, panel_asASheetGoesAway_belongsToTheWindowUnderIt) {
     window.show();
     QDialog sheet(&window);
     sheet.setGeometry(0, 0, 100, 100);
+    QWidget suggestions(nullptr, Qt::Popup); // are still there when the sheet has gone
+    suggestions.setGeometry(0, 100, 100, 100);
+    suggestions.show();
     QPoint middle;
     QObject::connect(&sheet, &QDialog::finished, [&middle] { middle = middleOfTheNextAlert(); });
     sheet.open();

@@ -13,9 +13,14 @@
 namespace velmora {
 namespace {
 
+/// On screen, and no list or tip that pops up over another window.
+bool staysOnScreen(const QWindow& window) {
+    return window.isVisible() && (window.type() == Qt::Window || window.type() == Qt::Dialog);
+}
+
 /// The nearest window on screen that this one belongs to, or itself; null if there is none.
 QWindow* onScreen(QWindow* window) {
-    while (window && !window->isVisible())
+    while (window && !staysOnScreen(*window))
         window = window->transientParent();
     return window;
 }
@@ -28,8 +33,9 @@ QWindow* windowInUse() {
     if (const QWidget* const modal = modalWindow(); modal && modal->isVisible())
         return modal->windowHandle();
     for (const QWidget* const window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && window->windowHandle() && !window->parentWidget())
-            return window->windowHandle();
+        QWindow* const handle = window->windowHandle();
+        if (!window->parentWidget() && handle && staysOnScreen(*handle))
+            return handle;
     }
     return nullptr;
 }
