@@ -5,7 +5,10 @@
 
 #include <QAction>
 #include <QFile>
+#include <QHash>
+#include <QKeySequence>
 #include <QLabel>
+#include <QPushButton>
 #include <QTest>
 
 namespace velmora::test {
@@ -40,6 +43,33 @@ TEST_F(HelpPageTest, f1_opensThePage) {
     QTest::keyClick(&controller_.mainWin(), Qt::Key_F1);
     ASSERT_EQ(opened_.urls().size(), 1);
     EXPECT_TRUE(content().contains("<html"));
+}
+
+TEST_F(HelpPageTest, page_namesWhatIsOnTheButtons) {
+    controller_.showHelp();
+    for (const char* const name :
+         {"segmentVideoCutter", "segmentVideoJoiner", "mButtonSetImage", "mButtonLeft",
+          "mButtonRight", "mButtonCutterAdd", "mButtonCutterSetting", "mButtonJoinerRemove",
+          "mButtonJoinerSetting"}) {
+        const QString label = outlet<QPushButton>(name).text();
+        EXPECT_TRUE(content().contains("“" + label + "”")) << label.toStdString();
+    }
+}
+
+TEST_F(HelpPageTest, page_hasTheKeysOfAllShortcuts) {
+    controller_.showHelp();
+    const QHash<QString, QString> drawn{{"Left", "←"}, {"Right", "→"}, {"Return", "Enter"}};
+    int shortcuts = 0;
+    for (const QAction* const action : controller_.mainWin().findChildren<QAction*>()) {
+        for (const QKeySequence& shortcut : action->shortcuts()) {
+            for (const QString& key : shortcut.toString().split('+')) {
+                const QString shown = "<kbd>" + drawn.value(key, key) + "</kbd>";
+                EXPECT_TRUE(content().contains(shown)) << shown.toStdString();
+            }
+            ++shortcuts;
+        }
+    }
+    EXPECT_GE(shortcuts, 15);
 }
 
 TEST_F(HelpPageTest, openedTwice_givesTheSamePage) {

@@ -7,10 +7,13 @@
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+
+#include <array>
 
 namespace velmora::test {
 namespace {
@@ -373,12 +376,29 @@ TEST_F(JoinerTest, merge_filesOfDifferentKinds_refusesADirectJoin) {
                                              "please use indirect join!")});
 }
 
+TEST_F(JoinerTest, merge_refused_hasGivenTheExtensionAllTheSame) {
+    addRow("mp4", "640x480");
+    addRow("avi", "320x240");
+    addRow("mkv", "640x480");
+    controller_.openFilePanelDidEnd({}, 1); // shows the rows
+    EXPECT_TRUE(merge([this](QWidget& panel) {
+        panel.findChild<QLineEdit*>("mTextField1")->setText("/out");
+        alertsOf([&panel] {
+            QTest::mouseClick(panel.findChild<QPushButton*>("mButStartJoin"), Qt::LeftButton);
+        });
+        joinerFileList->clear(); // the panel cannot look it up any more
+        panel.findChild<QLineEdit*>("mTextField2")->setText("all");
+        EXPECT_EQ(panel.findChild<QLabel*>("mResultPath")->text(), "/out/all.avi");
+    }));
+}
+
 TEST_F(JoinerTest, join_fromListToFile_takesTheExtensionOfTheLastButOne) {
-    const QString second = QString::fromStdString(folder_ / "second.MP4");
-    ASSERT_TRUE(QFile::copy(media("h264.mp4"), second));
-    dropOnTable({media("h264.mp4")});
-    dropOnTable({media("h264.mp4")});
-    const QString out = QString::fromStdString(folder_ / "join-all.mp4");
+    const std::array extensions{"mkv", "mov", "avi"};
+    for (const char* const extension : extensions) {
+        dropOnTable({media("h264.mp4")});
+        joinerFileList->back()->outFromat = extension;
+    }
+    const QString out = QString::fromStdString(folder_ / "join-all.mov");
     std::vector<SeenAlert> alerts;
     EXPECT_TRUE(merge([&](QWidget& panel) {
         panel.findChild<QLineEdit*>("mTextField1")
@@ -389,9 +409,9 @@ TEST_F(JoinerTest, join_fromListToFile_takesTheExtensionOfTheLastButOne) {
     }));
     EXPECT_EQ(alerts, std::vector{plainAlert("Congratulations! file has completed!")});
     EXPECT_EQ(cell(0, 5), "Completed");
-    EXPECT_EQ(cell(1, 5), "Completed");
+    EXPECT_EQ(cell(2, 5), "Completed");
     const auto format = ffprobeJson(out.toStdString(), {"-show_format"}).at("format");
-    EXPECT_NEAR(std::stod(format.at("duration").get<std::string>()), 8.0, 0.2);
+    EXPECT_NEAR(std::stod(format.at("duration").get<std::string>()), 12.0, 0.3);
 }
 
 } // namespace

@@ -18,6 +18,7 @@
 #include <QSet>
 #include <QStyleHints>
 #include <QTest>
+
 #include <algorithm>
 
 namespace velmora::test {
@@ -42,11 +43,12 @@ protected:
         EXPECT_EQ(oneLine(fromFirst(back, expected.back())), oneLine(reversed(expected)));
     }
     static QStringList fromFirst(QStringList walk, const QString& first) {
-        std::ranges::rotate(walk, walk.begin() + std::max<qsizetype>(0, walk.indexOf(first)));
+        std::rotate(walk.begin(), walk.begin() + std::max<qsizetype>(0, walk.indexOf(first)),
+                    walk.end());
         return walk;
     }
     static QStringList reversed(QStringList names) {
-        std::ranges::reverse(names);
+        std::reverse(names.begin(), names.end());
         return names;
     }
     static std::string oneLine(const QStringList& names) { return names.join(' ').toStdString(); }

@@ -183,6 +183,23 @@ TEST_F(MainSetUpTest, setDefaultView_twiceMore_subscribesTwiceMore) {
     EXPECT_EQ(log_.count("err out"), 3);
 }
 
+TEST_F(MainSetUpTest, oneScrubAfterTwoLoads_isHandledThreeTimes) {
+    for (int load = 0; load < 2; ++load)
+        drop(preview(), {media("video-only.mp4")});
+    auto& position = outlet<QLineEdit>("mLabelDrag");
+    int times = 0;
+    QObject::connect(&position, &QLineEdit::textChanged, [&](const QString& shown) {
+        if (shown.isEmpty())
+            return;
+        EXPECT_EQ(shown, "00:00:01.000/00:00:04.000");
+        ++times;
+        position.clear(); // so that the next time is a change as well
+    });
+    NotificationCenter::defaultCenter().post("customCrubbingBarChangedNotification", nullptr,
+                                             {{"customCrubbingBarValue", 25.0}});
+    EXPECT_EQ(times, 3);
+}
+
 TEST_F(MainSetUpTest, initParameter_clearsTheFlagsOfTheSetting) {
     currentSetting->imCut = true;
     currentSetting->imJoin = true;

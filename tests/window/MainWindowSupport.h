@@ -58,7 +58,7 @@ protected:
     MainWindowTest();
 
     template <class Outlet = QWidget> Outlet& outlet(const char* name) {
-        Outlet* const found = controller_.mainWin().findChild<Outlet*>(name);
+        auto* const found = controller_.mainWin().findChild<Outlet*>(name);
         if (!found)
             throw std::runtime_error(std::string("no outlet ") + name);
         return *found;
