@@ -10,6 +10,9 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
 namespace velmora::test {
 namespace {
 
@@ -120,14 +123,32 @@ TEST(AlertPanelTest, panel_asASheetGoesAway_belongsToTheWindowUnderIt) {
     window.show();
     QDialog sheet(&window);
     sheet.setGeometry(0, 0, 100, 100);
-    QWidget suggestions(nullptr, Qt::Popup); // are still there when the sheet has gone
-    suggestions.setGeometry(0, 100, 100, 100);
-    suggestions.show();
     QPoint middle;
     QObject::connect(&sheet, &QDialog::finished, [&middle] { middle = middleOfTheNextAlert(); });
     sheet.open();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet));
     sheet.accept();
+    EXPECT_LE((middle - window.geometry().center()).manhattanLength(), 4);
+}
+
+TEST(AlertPanelTest, panel_nothingHasTheFocus_standsOverAWindowAndNoTip) {
+    QWidget window;
+    window.setGeometry(300, 300, 400, 400);
+    window.show();
+    std::vector<std::unique_ptr<QWidget>> tips;
+    for (int i = 0; i < 16; ++i) {
+        tips.push_back(std::make_unique<QWidget>(nullptr, Qt::ToolTip));
+        tips.back()->setGeometry(0, 100, 100, 100);
+        tips.back()->show();
+    }
+    {
+        QWidget focused;
+        focused.show();
+        focused.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&focused));
+    }
+    ASSERT_EQ(QGuiApplication::focusWindow(), nullptr);
+    const QPoint middle = middleOfTheNextAlert();
     EXPECT_LE((middle - window.geometry().center()).manhattanLength(), 4);
 }
 

@@ -5,10 +5,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
 #include <QWindow>
-
-#include <algorithm>
 
 namespace velmora {
 namespace {
@@ -40,25 +37,14 @@ QWindow* windowInUse() {
     return nullptr;
 }
 
-/// Puts the box over the middle of the window, as far as the screen allows.
-void centre(QMessageBox& box, const QWindow& over) {
-    box.adjustSize();
-    QRect place = box.rect();
-    place.moveCenter(over.geometry().center());
-    const QRect room = over.screen()->availableGeometry();
-    place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() - place.width())));
-    place.moveTop(std::max(room.top(), std::min(place.top(), room.bottom() - place.height())));
-    box.move(place.topLeft());
-}
-
-/// Keeps the box above the window in use. That window may go away first, so it is no parent.
+/// Keeps the box above the window in use, over whose middle the desktop then puts it. That window
+/// may go away first, so it is no parent.
 void placeOverWindowInUse(QMessageBox& box) {
     QWindow* const inUse = windowInUse();
     if (!inUse)
         return;
     box.winId(); // makes the window handle
     box.windowHandle()->setTransientParent(inUse);
-    centre(box, *inUse);
 }
 
 } // namespace
