@@ -7,11 +7,19 @@
 
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace velmora::test {
 namespace {
 
 constexpr const char* kBegin = R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0">)";
+
+/// A property list of which `rest` follows the beginning.
+std::string begun(std::string_view rest) {
+    std::string text = kBegin;
+    text.insert(text.end(), rest.begin(), rest.end());
+    return text;
+}
 
 std::string repeated(const std::string& text, int times) {
     std::string all;
@@ -63,12 +71,11 @@ protected:
 };
 
 TEST_F(PropertyListTest, read_xmlOfAllTypes_givesTheirValues) {
-    const QVariant value =
-        read(std::string(kBegin) +
-             "<dict><key>text</key><string>é &lt;</string><key>number</key><integer>-7</integer>"
-             "<key>real</key><real>1.5</real><key>yes</key><true/><key>date</key>"
-             "<date>2020-01-01T00:00:00Z</date><key>list</key><array><string>a</string>"
-             "<data>AA==</data><string>b</string></array></dict></plist>");
+    const QVariant value = read(
+        begun("<dict><key>text</key><string>é &lt;</string><key>number</key><integer>-7</integer>"
+              "<key>real</key><real>1.5</real><key>yes</key><true/><key>date</key>"
+              "<date>2020-01-01T00:00:00Z</date><key>list</key><array><string>a</string>"
+              "<data>AA==</data><string>b</string></array></dict></plist>"));
     const QVariantMap map = value.toMap();
     EXPECT_EQ(map.value("text"), QVariant(QString("é <")));
     EXPECT_EQ(map.value("number"), QVariant(qlonglong{-7}));
@@ -95,11 +102,11 @@ TEST_F(PropertyListTest, read_filesThatAreNone_givesNothing) {
     EXPECT_FALSE(read("").isValid());
     EXPECT_FALSE(read("words").isValid());
     EXPECT_FALSE(read("bplist00").isValid());
-    EXPECT_FALSE(read(std::string(kBegin) + "<array><string>a</string>").isValid());
+    EXPECT_FALSE(read(begun("<array><string>a</string>")).isValid());
 }
 
 TEST_F(PropertyListTest, read_fileAboveTheLimit_givesNothing) {
-    const std::string begin = std::string(kBegin) + "<array></array>";
+    const std::string begin = begun("<array></array>");
     const std::string end = "</plist>";
     const std::size_t limit = std::size_t{256} * 1024;
     const std::string blanks(limit - begin.size() - end.size(), ' ');
@@ -148,9 +155,8 @@ TEST_F(PropertyListTest, read_binaryWithPlacesOutside_givesNothing) {
 }
 
 TEST_F(PropertyListTest, read_damagedBytes_neverCrashes) {
-    const std::string xml = std::string(kBegin) +
-                            "<array><dict><key>name</key><string>p &amp; q</string><key>index"
-                            "</key><integer>3</integer></dict></array></plist>";
+    const std::string xml = begun("<array><dict><key>name</key><string>p &amp; q</string><key>index"
+                                  "</key><integer>3</integer></dict></array></plist>");
     const std::string coded = binary({arrayOf({1, 2}),
                                       "\x53"
                                       "abc",
