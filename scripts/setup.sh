@@ -10,7 +10,8 @@ for group in "$@"; do
                           libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
                           libplist-dev qt6-base-dev) ;;
         run)   packages+=(ffmpeg xvfb openbox xdotool imagemagick fonts-dejavu-core) ;;
-        test)  packages+=(ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick) ;;
+        test)  packages+=(ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick
+                          fonts-dejavu-core) ;;
         check) packages+=(clang-format clang-tidy) ;;
         package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;

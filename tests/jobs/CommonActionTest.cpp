@@ -100,6 +100,9 @@ TEST(NodeInfoTest, newItem_isEmptyAndReady) {
     EXPECT_EQ(item.duration, 0.0F);
     EXPECT_TRUE(item.inputFile.isEmpty());
     EXPECT_TRUE(item.outPutFile.isEmpty());
+    EXPECT_TRUE(item.outFromat.isEmpty());
+    EXPECT_TRUE(item.inFromat.isEmpty());
+    EXPECT_TRUE(item.resolution.isEmpty());
 }
 
 } // namespace

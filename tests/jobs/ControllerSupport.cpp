@@ -1,30 +1,10 @@
 #include "ControllerSupport.h"
 
-#include <QApplication>
-#include <QMessageBox>
 #include <QTest>
 
 #include <stdexcept>
 
 namespace velmora::test {
-
-AlertReader::AlertReader() {
-    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { answer(); });
-    timer_.start(20);
-}
-
-void AlertReader::answer() {
-    auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box == nullptr || !box->isVisible() || !mayAnswer())
-        return;
-    QStringList labels;
-    for (const QAbstractButton* button : box->buttons())
-        labels.append(button->text());
-    messages.append(box->text());
-    titles.append(box->windowTitle());
-    buttons.append(labels.join('|'));
-    QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
-}
 
 ControllerTest::ControllerTest() {
     setCounters(-1, 0, 0);

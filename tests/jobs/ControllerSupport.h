@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AlertReader.h"
 #include "ConversionEngine.h"
 #include "ConverterController.h"
 #include "JobsSupport.h"
@@ -7,29 +8,10 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QStringList>
-#include <QTimer>
 
 #include <functional>
 
 namespace velmora::test {
-
-/// Answers alerts as a user does, with their default button, and keeps what they said.
-class AlertReader {
-public:
-    AlertReader();
-
-    /// Whether the alert may be answered already.
-    std::function<bool()> mayAnswer = [] { return true; };
-    QStringList messages;
-    QStringList titles;
-    QStringList buttons; ///< the labels of each, joined
-
-private:
-    void answer();
-
-    QTimer timer_;
-};
 
 inline const QString kCompleted = "Congratulations! file has completed!";
 inline const QString kFailed = "File failed! please use re-encoding mode";

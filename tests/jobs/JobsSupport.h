@@ -1,27 +1,16 @@
 #pragma once
 
+#include "LogLines.h"
 #include "SharedState.h"
 #include "TestMedia.h"
 
 #include <gtest/gtest.h>
 
 #include <QString>
-#include <QStringList>
 
 #include <string>
 
 namespace velmora::test {
-
-/// While one lives, the program's diagnostic lines are switched on and kept here.
-class LogLines {
-public:
-    LogLines();
-    ~LogLines();
-    LogLines(const LogLines&) = delete;
-    LogLines& operator=(const LogLines&) = delete;
-
-    QStringList all() const;
-};
 
 /// A test with a shared list and a current setting of its own, and a folder.
 class SharedStateTest : public ::testing::Test {

@@ -8,7 +8,7 @@
 namespace velmora::test {
 namespace {
 
-std::mutex guard; // lines may come from any thread
+std::mutex guard; // of `current` and its lines
 LogLines* current = nullptr;
 
 } // namespace
@@ -24,6 +24,16 @@ LogLines::~LogLines() {
     qInstallMessageHandler(before_);
     const std::lock_guard lock(guard);
     current = nullptr;
+}
+
+QStringList LogLines::all() const {
+    const std::lock_guard lock(guard);
+    return lines_;
+}
+
+void LogLines::clear() {
+    const std::lock_guard lock(guard);
+    lines_.clear();
 }
 
 void LogLines::take(QtMsgType type, const QMessageLogContext& context, const QString& line) {

@@ -5,7 +5,8 @@
 
 namespace velmora::test {
 
-/// Collects the lines that the platform log is given during its life; one at a time.
+/// Collects the lines that the platform log is given during its life, from any thread; one lives at
+/// a time.
 class LogLines {
 public:
     LogLines();
@@ -13,10 +14,10 @@ public:
     LogLines(const LogLines&) = delete;
     LogLines& operator=(const LogLines&) = delete;
 
-    const QStringList& all() const { return lines_; }
-    bool contains(const QString& line) const { return lines_.contains(line); }
-    qsizetype count(const QString& line) const { return lines_.count(line); }
-    void clear() { lines_.clear(); }
+    QStringList all() const;
+    bool contains(const QString& line) const { return all().contains(line); }
+    qsizetype count(const QString& line) const { return all().count(line); }
+    void clear();
 
 private:
     static void take(QtMsgType type, const QMessageLogContext& context, const QString& line);

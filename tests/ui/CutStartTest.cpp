@@ -21,7 +21,7 @@ protected:
 
     /// Presses start and answers the outcome, which must be success.
     void runToItsEnd() const {
-        AnsweredAlerts alerts;
+        AlertReader alerts;
         pressStart();
         EXPECT_EQ(alerts.messages, QStringList("Congratulations! file has completed!"));
     }
@@ -155,7 +155,7 @@ TEST_F(CutStartTest, start_severalItems_allGetTheWindow) {
     const auto second = std::make_shared<NodeInfo>(*cutterFileList->front());
     cutterFileList->push_back(second);
     typeFolder(path(""));
-    const AnsweredAlerts alerts;
+    const AlertReader alerts;
     pressStart();
     EXPECT_EQ(second->startTime, 500.0F);
     EXPECT_EQ(second->endTime, 2000.0F);
@@ -227,7 +227,7 @@ TEST_F(CutStartTest, start_emptyName_isAFileNamedByItsExtension) {
 TEST_F(CutStartTest, start_folderMissing_isLeftToTheRunToFail) {
     showPanel();
     typeFolder(path("none"));
-    AnsweredAlerts alerts;
+    AlertReader alerts;
     pressStart();
     EXPECT_EQ(alerts.messages, QStringList("File failed! please use re-encoding mode"));
 }
@@ -237,7 +237,7 @@ TEST_F(CutStartTest, start_frameSizeThatIsNone_failsWithTheUsualMessage) {
     selectRow(1);
     typeInto("mVideoSize", "big");
     typeFolder(path(""));
-    AnsweredAlerts alerts;
+    AlertReader alerts;
     pressStart();
     EXPECT_EQ(alerts.messages, QStringList("File failed! please use re-encoding mode"));
 }

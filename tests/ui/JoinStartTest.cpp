@@ -40,7 +40,7 @@ protected:
         return canJoin_;
     }
     void runToItsEnd() const {
-        AnsweredAlerts alerts;
+        AlertReader alerts;
         pressStart();
         EXPECT_EQ(alerts.messages, QStringList("Congratulations! file has completed!"));
     }

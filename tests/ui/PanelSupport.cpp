@@ -1,9 +1,5 @@
 #include "PanelSupport.h"
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
-
 namespace velmora::test {
 namespace {
 
@@ -64,24 +60,6 @@ std::vector<TestProfile> twoProfiles() {
               {"vFrameRate", {"10", "20"}, 1},
               {"vBitRate", {"200"}, 0},
               {"vResolution", {"176x144 small"}, 0}}}};
-}
-
-AnsweredAlerts::AnsweredAlerts() {
-    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { answer(); });
-    timer_.start(20);
-}
-
-void AnsweredAlerts::answer() {
-    QMessageBox* const box = alertPanel();
-    if (!box || !box->isVisible())
-        return;
-    QStringList labels;
-    for (const QAbstractButton* const button : box->buttons())
-        labels.append(button->text());
-    messages.append(box->text());
-    titles.append(box->windowTitle());
-    buttons.append(labels.join('|'));
-    QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
 }
 
 } // namespace velmora::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AlertReader.h"
 #include "ConverterController.h"
 #include "Desktop.h"
 #include "LogLines.h"
@@ -38,21 +39,6 @@ void writeProfiles(const std::string& path, const std::vector<TestProfile>& prof
 
 /// Two profiles whose choices and defaults differ in everything.
 std::vector<TestProfile> twoProfiles();
-
-/// Answers alerts as a user does, with their default button, and keeps what they said.
-class AnsweredAlerts {
-public:
-    AnsweredAlerts();
-
-    QStringList messages;
-    QStringList titles;
-    QStringList buttons; ///< the labels of each, joined
-
-private:
-    void answer();
-
-    QTimer timer_;
-};
 
 /// A panel over a property list of the test's, with its fields open. Without a path it reads the
 /// program's own.
@@ -192,7 +178,7 @@ protected:
     }
     /// Presses start; the alert that comes is answered and must say this.
     void expectRefusal(const QString& message, const QString& title = {}) const {
-        AnsweredAlerts alerts;
+        AlertReader alerts;
         pressStart();
         ASSERT_EQ(alerts.messages, QStringList(message));
         EXPECT_EQ(alerts.buttons, QStringList("OK"));
