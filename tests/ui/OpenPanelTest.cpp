@@ -4,10 +4,12 @@
 #include "TestFiles.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -28,6 +30,7 @@ protected:
     QString path(const char* name) const { return QString::fromStdString(folder_ / name); }
 
     QFileDialog* open(OpenPanelChoice choice) {
+        result_.reset();
         beginOpenPanel(window_, choice, path(""), [this](int result, const QStringList& paths) {
             result_ = result;
             paths_ = paths;
@@ -43,6 +46,11 @@ protected:
         name->setText(names);
         QTest::keyClick(name, Qt::Key_Return);
     }
+    /// The result, once the completion has been called.
+    std::optional<int> result() {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return result_.has_value(); }));
+        return result_;
+    }
 
     TemporaryFolder folder_;
     QPushButton window_;
@@ -54,36 +62,37 @@ TEST_F(OpenPanelTest, file_chosen_givesItsPath) {
     QFileDialog* const panel = open(OpenPanelChoice::File);
     EXPECT_EQ(panel->fileMode(), QFileDialog::ExistingFile);
     type(*panel, "a.mp4");
-    EXPECT_EQ(result_, 1);
+    EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList(path("a.mp4")));
 }
 
 TEST_F(OpenPanelTest, files_severalChosen_givesAllPathsInOrder) {
     type(*open(OpenPanelChoice::Files), "\"b.txt\" \"a.mp4\"");
-    EXPECT_EQ(result_, 1);
+    EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList({path("b.txt"), path("a.mp4")}));
 }
 
 TEST_F(OpenPanelTest, files_offersFilesOfAnyType) {
     EXPECT_TRUE(open(OpenPanelChoice::Files)->nameFilters().join(' ').contains("*"));
     type(*window_.findChild<QFileDialog*>("openPanel"), "b.txt");
+    EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList(path("b.txt")));
 }
 
 TEST_F(OpenPanelTest, folder_chosen_givesItsPath) {
     type(*open(OpenPanelChoice::Folder), "inner");
-    EXPECT_EQ(result_, 1);
+    EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList(path("inner")));
 }
 
 TEST_F(OpenPanelTest, panel_cancelled_givesResult0AndNoPath) {
     QFileDialog* const panel = open(OpenPanelChoice::Files);
     QTest::keyClick(panel, Qt::Key_Escape);
-    EXPECT_EQ(result_, 0);
+    EXPECT_EQ(result(), 0);
     EXPECT_TRUE(paths_.isEmpty());
 }
 
-TEST_F(OpenPanelTest, panel_open_blocksItsWindowAndReturnsAtOnce) {
+TEST_F(OpenPanelTest, panel_open_returnsAtOnceAndBlocksItsWindowUntilTheCompletion) {
     int clicks = 0;
     QObject::connect(&window_, &QPushButton::clicked, [&clicks] { ++clicks; });
     QFileDialog* const panel = open(OpenPanelChoice::Files);
@@ -92,6 +101,9 @@ TEST_F(OpenPanelTest, panel_open_blocksItsWindowAndReturnsAtOnce) {
     clickOnScreen(window_);
     EXPECT_EQ(clicks, 0);
     panel->reject();
+    clickOnScreen(window_); // nothing comes in between
+    EXPECT_EQ(clicks, 0);
+    EXPECT_EQ(result(), 0);
     clickOnScreen(window_);
     EXPECT_EQ(clicks, 1);
 }
@@ -110,13 +122,34 @@ TEST_F(OpenPanelTest, panel_afterAChoice_startsInTheFolderOfThatChoice) {
 }
 
 TEST_F(OpenPanelTest, completion_opensAnotherPanel_works) {
+    QFileDialog* second = nullptr;
     beginOpenPanel(window_, OpenPanelChoice::File, path(""),
-                   [this](int, const QStringList&) { open(OpenPanelChoice::File); });
+                   [&](int, const QStringList&) { second = open(OpenPanelChoice::File); });
     window_.findChild<QFileDialog*>("openPanel")->reject();
-    ASSERT_TRUE(QTest::qWaitFor(
-        [this] { return window_.findChildren<QFileDialog*>("openPanel").size() == 1; }));
-    type(*window_.findChild<QFileDialog*>("openPanel"), "a.mp4");
+    ASSERT_TRUE(QTest::qWaitFor([&second] { return second != nullptr; }));
+    type(*second, "a.mp4");
+    EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList(path("a.mp4")));
+}
+
+// What the panel does with a key goes on after it has told that the user is done.
+TEST_F(OpenPanelTest, completion_runsAnEventLoop_findsThePanelDoneWithItsKey) {
+    bool isHandled = false;
+    bool wasHandled = false;
+    bool isCalled = false;
+    beginOpenPanel(window_, OpenPanelChoice::File, path(""), [&](int, const QStringList&) {
+        wasHandled = isHandled;
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, &QEventLoop::quit);
+        loop.exec();
+        isCalled = true;
+    });
+    auto* const panel = window_.findChild<QFileDialog*>("openPanel");
+    panel->setDirectory(path(""));
+    type(*panel, "a.mp4");
+    isHandled = true;
+    EXPECT_TRUE(QTest::qWaitFor([&isCalled] { return isCalled; }));
+    EXPECT_TRUE(wasHandled);
 }
 
 TEST_F(OpenPanelTest, window_destroyedUnderThePanel_dropsTheCompletion) {
@@ -125,6 +158,18 @@ TEST_F(OpenPanelTest, window_destroyedUnderThePanel_dropsTheCompletion) {
     int calls = 0;
     beginOpenPanel(*window, OpenPanelChoice::File, path(""),
                    [&calls](int, const QStringList&) { ++calls; });
+    window.reset();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(OpenPanelTest, window_destroyedBeforeTheCompletion_dropsIt) {
+    auto window = std::make_unique<QWidget>();
+    window->show();
+    int calls = 0;
+    beginOpenPanel(*window, OpenPanelChoice::File, path(""),
+                   [&calls](int, const QStringList&) { ++calls; });
+    window->findChild<QFileDialog*>("openPanel")->reject();
     window.reset();
     QCoreApplication::processEvents();
     EXPECT_EQ(calls, 0);

@@ -324,7 +324,8 @@ TYPED_TEST(OutputSettingsTest, browse_folderChosen_fillsTheField) {
     chooser->setDirectory(this->path(""));
     chooser->template findChild<QLineEdit*>("fileNameEdit")->setText("out");
     QTest::keyClick(chooser->template findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
-    EXPECT_EQ(this->field("mTextField1").text(), this->path("out"));
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return this->field("mTextField1").text() == this->path("out"); }));
 }
 
 TYPED_TEST(OutputSettingsTest, browse_cancelled_changesNothing) {
@@ -334,6 +335,7 @@ TYPED_TEST(OutputSettingsTest, browse_cancelled_changesNothing) {
     auto* const chooser = panel.window().template findChild<QFileDialog*>("openPanel");
     ASSERT_NE(chooser, nullptr);
     QTest::keyClick(chooser, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QApplication::activeModalWidget(); }));
     EXPECT_EQ(this->field("mTextField1").text(), "/before");
 }
 

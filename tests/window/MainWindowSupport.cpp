@@ -122,8 +122,8 @@ void MainWindowTest::choose(const QStringList& paths) {
     auto* const name = panel->findChild<QLineEdit*>("fileNameEdit");
     name->setText('"' + paths.join("\" \"") + '"');
     QTest::keyClick(name, Qt::Key_Return);
-    // The panel is gone once the event loop has run.
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !isPanelOpen(); }));
+    // The choice is taken, and the panel gone, once the event loop has run.
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QApplication::activeModalWidget(); }));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 

@@ -1,6 +1,7 @@
 #include "OpenPanel.h"
 
 #include <QFileDialog>
+#include <QMetaObject>
 
 #include <utility>
 
@@ -25,13 +26,37 @@ QFileDialog::FileMode modeFor(OpenPanelChoice choice) {
     return QFileDialog::Directory;
 }
 
+/// Blocks `parent` as its panel did, but never gets onto the screen.
+QWidget* blockInstead(QWidget& parent) {
+    auto* const block = new QWidget(&parent, Qt::Dialog); // NOLINT(cppcoreguidelines-owning-memory)
+    block->setAttribute(Qt::WA_DontShowOnScreen);
+    block->setAttribute(Qt::WA_QuitOnClose, false);
+    block->setWindowModality(Qt::WindowModal);
+    block->show();
+    return block;
+}
+
+/// The panel tells that the user is done while it still handles the event that says so. What is
+/// called may run events of its own, which that does not allow for, so it is called afterwards.
+/// Until then the window stays blocked: nothing comes in between.
+void callLater(QWidget& parent, std::function<void()> action) {
+    QWidget* const block = blockInstead(parent);
+    QMetaObject::invokeMethod(
+        block,
+        [block, act = std::move(action)] {
+            block->hide();
+            block->deleteLater();
+            act();
+        },
+        Qt::QueuedConnection);
+}
+
 void finish(const QFileDialog& panel, int result, const OpenPanelCompletion& completion) {
-    if (result != QDialog::Accepted) {
-        completion(0, {});
-        return;
-    }
+    QWidget& parent = *panel.parentWidget();
+    if (result != QDialog::Accepted)
+        return callLater(parent, [completion] { completion(0, {}); });
     lastFolder() = panel.directory().absolutePath();
-    completion(1, panel.selectedFiles());
+    callLater(parent, [completion, paths = panel.selectedFiles()] { completion(1, paths); });
 }
 
 } // namespace
