@@ -17,8 +17,6 @@ struct AVFrame;
 
 namespace velmora {
 
-class Snapshot;
-
 /// A table of byte strings; each row is read up to its first NUL.
 using StringTable = std::vector<std::string>;
 
@@ -46,7 +44,7 @@ public:
 
     /// The engine, created on first use; lives as long as the process.
     static ConversionEngine& instance();
-    ~ConversionEngine();
+    ~ConversionEngine() = default;
     ConversionEngine(const ConversionEngine&) = delete;
     ConversionEngine& operator=(const ConversionEngine&) = delete;
 
@@ -129,8 +127,6 @@ public:
 
 private:
     ConversionEngine();
-
-    std::unique_ptr<Snapshot> snapshot_;
 };
 
 } // namespace velmora

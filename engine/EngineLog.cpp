@@ -7,16 +7,14 @@ extern "C" {
 
 #include <array>
 #include <atomic>
+#include <cstdarg>
 #include <optional>
 #include <string_view>
 
 namespace velmora {
 namespace {
 
-std::atomic<LogSink>& currentSink() {
-    static std::atomic<LogSink> sink{av_log_default_callback};
-    return sink;
-}
+constinit std::atomic<LogSink> currentSink = nullptr;
 
 /// What this thread expects at the moment.
 std::optional<ExpectedLogLines::Kind>& expectedLines() {
@@ -36,15 +34,28 @@ bool isExpected(const char* format) {
 }
 
 void passOn(void* object, int level, const char* format, va_list arguments) {
-    if (!isExpected(format)) {
-        currentSink().load()(object, level, format, arguments);
+    if (isExpected(format)) {
+        return;
+    }
+    const LogSink sink = currentSink;
+    if (sink == nullptr) {
+        av_log_default_callback(object, level, format, arguments);
+    } else if (level <= av_log_get_level()) {
+        std::array<char, 1024> line{};
+        int withPrefix = 1;
+        av_log_format_line(object, level, format, arguments, line.data(), line.size(), &withPrefix);
+        sink(line.data());
     }
 }
 
 } // namespace
 
 void setLogSink(LogSink sink) {
-    currentSink() = sink != nullptr ? sink : av_log_default_callback;
+    currentSink = sink;
+    routeLibraryLog();
+}
+
+void routeLibraryLog() {
     av_log_set_callback(passOn);
 }
 

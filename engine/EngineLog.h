@@ -1,16 +1,19 @@
 #pragma once
 
-#include <cstdarg>
 #include <string>
 
 namespace velmora {
 
-/// Takes one line of the media libraries' log, on whichever thread it was written.
-using LogSink = void (*)(void* object, int level, const char* format, va_list arguments);
+/// Takes one line of the media libraries' log, with its end, on whichever thread it was written.
+using LogSink = void (*)(const char* line);
 
-/// Routes the log of the engine and of the media libraries to `sink` (null: the libraries' own way
-/// of writing to standard error). May be called at any time from any thread.
+/// Routes the log of the engine and of the media libraries, up to the libraries' log level, to
+/// `sink` (null: the libraries' own way of writing to standard error). May be called at any time
+/// from any thread.
 void setLogSink(LogSink sink);
+
+/// Makes the libraries' log take the way of the engine's.
+void routeLibraryLog();
 
 /// Writes "PATH: OPERATION: the library's text for CODE" as an error.
 void logFailure(const std::string& path, const char* operation, int code);

@@ -3,6 +3,7 @@
 #include "CommonAction.h"
 #include "ConversionEngine.h"
 #include "LeadingNumber.h"
+#include "MediaOperations.h"
 #include "PlatformLog.h"
 #include "SharedState.h"
 
@@ -184,7 +185,7 @@ void ConverterThread::copyProbeToSetting() {
     NodeSetting& setting = *currentSetting;
     const ConversionEngine& engine = ConversionEngine::instance();
     const auto nameOf = [](std::int32_t codec) {
-        return QString::fromUtf8(avcodec_get_name(static_cast<AVCodecID>(codec)));
+        return QString::fromUtf8(mediaOperations().codecName(codec));
     };
     setting.width = engine.sourceWidth;
     setting.height = engine.sourceHeight;

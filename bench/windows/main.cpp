@@ -13,11 +13,11 @@
 #include "ConversionEngine.h"
 #include "ConverterThread.h"
 #include "CustomSlider.h"
-#include "EndOncePainted.h"
-#include "EngineLog.h"
 #include "MainController.h"
 #include "MainWindow.h"
+#include "MediaOperations.h"
 #include "NotificationCenter.h"
+#include "OncePainted.h"
 #include "SharedState.h"
 
 #include <QApplication>
@@ -25,7 +25,7 @@
 #include <QString>
 #include <QStringList>
 
-#include <cstdarg>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -76,7 +76,7 @@ private:
 int showMainWindow() {
     MainController controller;
     controller.awakeFromNib();
-    const velmora::bench::EndOncePainted end(controller.mainWin());
+    const velmora::OncePainted end(controller.mainWin(), [] { std::_Exit(0); });
     controller.mainWin().show();
     return QApplication::exec();
 }
@@ -179,6 +179,7 @@ int probeAll(const QStringList& files) {
 int run(const QString& what, const QStringList& rest) {
     if (what == "start")
         return showMainWindow();
+    velmora::mediaOperations().setLogSink([](const char*) {}); // loads them: not part of the rest
     if (what == "load" && rest.size() == 1)
         return load(rest[0]);
     if (what == "engine" && rest.size() == 1)
@@ -202,7 +203,6 @@ int run(const QString& what, const QStringList& rest) {
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     ConversionEngine::instance();
-    velmora::setLogSink([](void*, int, const char*, va_list) {});
     const QStringList arguments = QApplication::arguments();
     return run(arguments.value(1), arguments.mid(2));
 }

@@ -24,7 +24,7 @@ ConversionEngine& engine() {
     return ConversionEngine::instance();
 }
 
-void dropLogLine(void* /*object*/, int /*level*/, const char* /*format*/, va_list /*arguments*/) {}
+void dropLogLine(const char* /*line*/) {}
 
 /// What `reset` is to put back.
 struct ResetState {

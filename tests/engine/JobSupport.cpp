@@ -169,17 +169,19 @@ std::string mediaMadeBy(const std::string& command, const std::string& name) {
 AtLogLine::AtLogLine(std::string_view text, std::function<void(int)> action)
     : text_(text), action_(std::move(action)) {
     listener = this;
+    av_log_set_level(AV_LOG_DEBUG);
     setLogSink(take);
 }
 
 AtLogLine::~AtLogLine() {
+    av_log_set_level(levelBefore_);
     setLogSink(nullptr);
     listener = nullptr;
 }
 
-void AtLogLine::take(void* /*object*/, int /*level*/, const char* format, va_list /*arguments*/) {
+void AtLogLine::take(const char* line) {
     AtLogLine& self = *listener;
-    if (std::string_view(format).find(self.text_) != std::string_view::npos) {
+    if (std::string_view(line).find(self.text_) != std::string_view::npos) {
         self.action_(++self.seen_);
     }
 }

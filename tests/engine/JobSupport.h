@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -73,9 +77,9 @@ private:
 /// TestMedia. Made once and shared by all tests: never write to it.
 std::string mediaMadeBy(const std::string& command, const std::string& name);
 
-/// Watches the log of the media libraries for lines whose unformatted text contains `text`, and
-/// calls `action` with their number, from 1, on the thread that writes them. While one lives,
-/// nothing of the log is shown.
+/// Watches the log of the media libraries, down to what they say for debugging, for lines that
+/// contain `text`, and calls `action` with their number, from 1, on the thread that writes them.
+/// While one lives, nothing of the log is shown.
 class AtLogLine {
 public:
     AtLogLine(std::string_view text, std::function<void(int)> action);
@@ -86,11 +90,12 @@ public:
     int seen() const { return seen_; }
 
 private:
-    static void take(void* object, int level, const char* format, va_list arguments);
+    static void take(const char* line);
 
     std::string text_;
     std::function<void(int)> action_;
     std::atomic<int> seen_{0};
+    int levelBefore_ = av_log_get_level();
 };
 
 /// Lines that tell where a run is. The first is written at the opening of each input; the second

@@ -185,7 +185,7 @@ class ReencodeUnoffered : public ReencodeEncoder, public testing::WithParamInter
 // There are encoders of these, and all but the first would take the settings.
 TEST_P(ReencodeUnoffered, Encoder_fails_the_input) {
     choose(GetParam(), AV_CODEC_ID_AAC);
-    const AtLogLine line("%s: %s: %s", [](int) {});
+    const AtLogLine line(": set up streams: ", [](int) {});
     const std::string output = folder_ / "out.mkv";
 
     EXPECT_EQ(cut(smallSource(), 0, 1000, output).states, std::vector{2});

@@ -188,7 +188,7 @@ double correlationOf(const std::vector<float>& source, const std::vector<float>&
 }
 
 /// Written once by each resampler.
-constexpr std::string_view kResamplingLine = "Using %s internally between filters";
+constexpr std::string_view kResamplingLine = "internally between filters";
 
 struct Sound {
     const char* name;

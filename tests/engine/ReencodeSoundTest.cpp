@@ -19,7 +19,7 @@ namespace {
 constexpr const char* kPictures = "-f lavfi -i color=black:size=64x48:rate=25:duration=1 ";
 
 /// Written once by each resampler.
-constexpr std::string_view kResamplingLine = "Using %s internally between filters";
+constexpr std::string_view kResamplingLine = "internally between filters";
 
 /// The samples of the sound, channel by channel, as they lie in the packets.
 std::vector<std::vector<float>> channelsOf(const std::string& path, std::size_t count) {

@@ -177,7 +177,7 @@ protected:
 TEST_P(ReencodeRefused, Setting_fails_the_input_and_says_so) {
     spoil(GetParam());
     const std::string output = folder_ / "out.mp4";
-    const AtLogLine line("%s: %s: %s", [](int) {});
+    const AtLogLine line(": set up streams: ", [](int) {});
 
     EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 1000, output).states, std::vector{2});
 

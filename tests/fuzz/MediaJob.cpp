@@ -9,7 +9,6 @@ extern "C" {
 
 #include <unistd.h>
 
-#include <cstdarg>
 #include <cstdlib>
 #include <filesystem>
 #include <vector>
@@ -80,7 +79,7 @@ void requireStates(const ConversionEngine& engine) {
 } // namespace
 
 ConversionEngine& cleanEngine() {
-    setLogSink([](void*, int, const char*, va_list) {});
+    setLogSink([](const char*) {});
     ConversionEngine& engine = ConversionEngine::instance();
     engine.reset();
     engine.reencode = 0;

@@ -13,6 +13,14 @@
 
 #include <vector>
 
+// Outside of all namespaces, as the resources' names are.
+static void takeImagesAway() {
+    Q_CLEANUP_RESOURCE(velmora_images);
+}
+static void giveImagesBack() {
+    Q_INIT_RESOURCE(velmora_images);
+}
+
 namespace velmora::test {
 namespace {
 
@@ -93,6 +101,17 @@ TEST_F(CustomSliderDrawingTest, images_tracksAreEquallyHighAndKnobsEquallyLarge)
     EXPECT_EQ(NamedImage(cut).size().height(), 6);
     EXPECT_EQ(NamedImage(knob).size(), QSize(18, 18));
     EXPECT_EQ(NamedImage(pressedKnob).size(), QSize(18, 18));
+}
+
+TEST_F(CustomSliderDrawingTest, images_areReadOnceAndKept) {
+    makeBar(400);
+    const QImage before = drawn();
+    takeImagesAway();
+    const bool away = NamedImage(kept).isNull();
+    const QImage after = drawn();
+    giveImagesBack();
+    EXPECT_TRUE(away);
+    EXPECT_EQ(after, before);
 }
 
 TEST_F(CustomSliderDrawingTest, noAnchors_wholeTrackIsKeptAndTheKnobStandsAtTheStart) {

@@ -2,6 +2,7 @@
 
 #include "Bundle.h"
 
+#include <QImageReader>
 #include <QPaintDevice>
 #include <QPainter>
 
@@ -12,22 +13,19 @@ namespace velmora {
 
 NamedImage::NamedImage(const QString& name) : name_(name) {
     for (const char* const suffix : {"", "@2x", "@3x"}) {
-        const QImage variant(Bundle::pathForResource("images/" + name + suffix, "png"));
-        if (variant.isNull())
+        const QString path = Bundle::pathForResource("images/" + name + suffix, "png");
+        const QSize size = QImageReader(path).size();
+        if (size.isEmpty())
             break;
-        variants_.push_back(variant);
-        // The painter is told where to draw; a ratio of the image's own would only be in the way.
-        variants_.back().setDevicePixelRatio(1);
+        if (variants_.empty())
+            size_ = size;
+        variants_.push_back({path, {}});
     }
 }
 
-NamedImage::NamedImage(const QImage& picture) {
+NamedImage::NamedImage(const QImage& picture) : size_(picture.size()) {
     if (!picture.isNull())
-        variants_.push_back(picture);
-}
-
-QSize NamedImage::size() const {
-    return isNull() ? QSize(0, 0) : variants_.front().size();
+        variants_.push_back({{}, picture});
 }
 
 void NamedImage::draw(QPainter& painter, const QRect& target) const {
@@ -40,7 +38,13 @@ void NamedImage::draw(QPainter& painter, const QRect& target) const {
 
 const QImage& NamedImage::variantFor(double ratio) const {
     const auto wanted = static_cast<std::size_t>(std::max(1.0, std::ceil(ratio)));
-    return variants_[std::min(wanted, variants_.size()) - 1];
+    const Variant& variant = variants_[std::min(wanted, variants_.size()) - 1];
+    if (variant.picture.isNull()) {
+        variant.picture = QImage(variant.path);
+        // The painter is told where to draw; a ratio of the image's own would only be in the way.
+        variant.picture.setDevicePixelRatio(1);
+    }
+    return variant.picture;
 }
 
 } // namespace velmora

@@ -11,7 +11,8 @@ class QPainter;
 
 namespace velmora {
 
-/// An image of the application's resources, in all the sharpnesses that there are of it.
+/// An image of the application's resources, in all the sharpnesses that there are of it. Each is
+/// read when it is first drawn, and then kept.
 class NamedImage {
 public:
     /// No image: has no name and no size and draws nothing.
@@ -24,7 +25,7 @@ public:
     bool isNull() const { return variants_.empty(); }
     const QString& name() const { return name_; }
     /// Of the plain variant, in pixels.
-    QSize size() const;
+    QSize size() const { return size_; }
     /// Fills `target`, in the painter's coordinates, with the variant that suits its height on the
     /// painter's device.
     void draw(QPainter& painter, const QRect& target) const;
@@ -32,8 +33,13 @@ public:
 private:
     const QImage& variantFor(double ratio) const;
 
+    struct Variant {
+        QString path;
+        mutable QImage picture; ///< null until it has been read
+    };
     QString name_;
-    std::vector<QImage> variants_; ///< plain, twice, three times the size
+    QSize size_{0, 0};
+    std::vector<Variant> variants_; ///< plain, twice, three times the size
 };
 
 } // namespace velmora

@@ -1,32 +1,20 @@
 // Velmora: cuts a stretch out of a video, and joins videos.
 
 #include "ConversionEngine.h"
-#include "EngineLog.h"
 #include "MainController.h"
 #include "MainWindow.h"
+#include "MediaOperations.h"
+#include "OncePainted.h"
 #include "PlatformLog.h"
-
-extern "C" {
-#include <libavutil/log.h>
-}
 
 #include <QApplication>
 #include <QFileInfo>
 #include <QIcon>
-#include <QTimer>
-
-#include <array>
-#include <cstdarg>
 
 namespace {
 
-void logEngineLine(void* object, int level, const char* format, va_list arguments) {
-    if (level > AV_LOG_INFO)
-        return;
-    std::array<char, 1024> line{};
-    int prefix = 1;
-    av_log_format_line(object, level, format, arguments, line.data(), line.size(), &prefix);
-    velmora::platformLog(QString::fromUtf8(line.data()).trimmed());
+void logEngineLine(const char* line) {
+    velmora::platformLog(QString::fromUtf8(line).trimmed());
 }
 
 /// The file that the desktop asks to open, if it does.
@@ -42,14 +30,16 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName("Velmora");
     QApplication::setDesktopFileName("org.velmora.velmora");
     QApplication::setWindowIcon(QIcon(":/images/velmora.png"));
-    velmora::ConversionEngine::instance(); // gives the libraries their own log when it is made
-    velmora::setLogSink(logEngineLine);
+    velmora::ConversionEngine::instance(); // to be made before there are other threads
 
     velmora::MainController controller;
     controller.awakeFromNib();
+    const velmora::OncePainted begin(controller.mainWin(), [&controller] {
+        velmora::mediaOperations().setLogSink(logEngineLine);
+        const QString file = fileToOpen();
+        if (!file.isEmpty())
+            controller.mouseDownListener(file);
+    });
     controller.mainWin().show();
-    const QString file = fileToOpen();
-    if (!file.isEmpty())
-        QTimer::singleShot(0, &controller, [&] { controller.mouseDownListener(file); });
     return QApplication::exec();
 }

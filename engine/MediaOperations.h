@@ -1,0 +1,33 @@
+#pragma once
+
+#include "EngineLog.h"
+
+#include <cstdint>
+
+namespace velmora {
+
+class ConversionEngine;
+
+/// What the engine does with the media libraries. Apart from the engine's state, so that a program
+/// can have its windows on screen before it loads those libraries, which takes longer than
+/// everything else at its start.
+class MediaOperations {
+public:
+    virtual ~MediaOperations() = default;
+
+    /// See ConversionEngine.
+    virtual std::int32_t probe(ConversionEngine& engine) = 0;
+    virtual void run(ConversionEngine& engine) = 0;
+    virtual std::int32_t snapshot(ConversionEngine& engine) = 0;
+
+    /// libavcodec's name of an AVCodecID; lives as long as the process.
+    virtual const char* codecName(std::int32_t codecId) = 0;
+    /// See velmora::setLogSink.
+    virtual void setLogSink(LogSink sink) = 0;
+};
+
+/// Those of this process. A program whose target has LOADS_MEDIA_LATER loads them when this is
+/// first called, and ends with a message when they are not there; in any other they are linked in.
+MediaOperations& mediaOperations();
+
+} // namespace velmora

@@ -1,0 +1,58 @@
+#include "EngineLog.h"
+#include "ConversionEngine.h"
+#include "MediaOperations.h"
+
+#include <gtest/gtest.h>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include <string>
+#include <vector>
+
+namespace velmora::test {
+namespace {
+
+std::vector<std::string>& lines() {
+    static std::vector<std::string> taken;
+    return taken;
+}
+
+class EngineLogTest : public ::testing::Test {
+protected:
+    EngineLogTest() {
+        lines().clear();
+        mediaOperations().setLogSink([](const char* line) { lines().emplace_back(line); });
+    }
+    ~EngineLogTest() override { setLogSink(nullptr); }
+};
+
+TEST_F(EngineLogTest, lineOfTheLibraries_is_passed_on_as_one_text) {
+    av_log(nullptr, AV_LOG_ERROR, "%s at %d\n", "unexpected end", 42);
+    EXPECT_EQ(lines(), std::vector<std::string>{"unexpected end at 42\n"});
+}
+
+TEST_F(EngineLogTest, lineBelowTheLibrariesLevel_is_dropped) {
+    av_log(nullptr, AV_LOG_DEBUG, "too much\n");
+    EXPECT_TRUE(lines().empty());
+}
+
+TEST_F(EngineLogTest, veryLongLine_is_cut_off) {
+    av_log(nullptr, AV_LOG_ERROR, "%s", std::string(5000, 'x').c_str());
+    ASSERT_EQ(lines().size(), 1U);
+    EXPECT_EQ(lines()[0], std::string(1023, 'x'));
+}
+
+TEST_F(EngineLogTest, fileThatCannotBeOpened_is_named_with_the_systems_reason) {
+    ConversionEngine& engine = ConversionEngine::instance();
+    engine.probePath = "/no/such/film.mp4";
+    EXPECT_EQ(engine.probe(), -1);
+    engine.reset();
+    ASSERT_FALSE(lines().empty());
+    EXPECT_NE(lines().back().find("/no/such/film.mp4"), std::string::npos) << lines().back();
+    EXPECT_NE(lines().back().find("No such file or directory"), std::string::npos);
+}
+
+} // namespace
+} // namespace velmora::test
