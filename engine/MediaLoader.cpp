@@ -12,7 +12,7 @@ namespace {
 /// As when a library that is linked in cannot be found: the program is not installed as a whole.
 [[noreturn]] void endWithoutMedia() {
     std::fprintf(stderr, "velmora: %s\n", dlerror());
-    std::exit(127);
+    std::_Exit(127);
 }
 
 /// The module stays loaded until the process ends. It is found by the program's run path.
