@@ -11,7 +11,7 @@ for group in "$@"; do
                           libplist-dev qt6-base-dev) ;;
         run)   packages+=(ffmpeg xvfb openbox xdotool imagemagick fonts-dejavu-core) ;;
         test)  packages+=(ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick
-                          fonts-dejavu-core) ;;
+                          fonts-dejavu-core libplist-utils) ;;
         check) packages+=(clang-format clang-tidy) ;;
         package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;
