@@ -40,7 +40,8 @@ const QImage& NamedImage::variantFor(double ratio) const {
     const auto wanted = static_cast<std::size_t>(std::max(1.0, std::ceil(ratio)));
     const Variant& variant = variants_[std::min(wanted, variants_.size()) - 1];
     if (variant.picture.isNull()) {
-        variant.picture = QImage(variant.path);
+        // Painted in the format that painters scale fastest.
+        variant.picture = QImage(variant.path).convertToFormat(QImage::Format_ARGB32_Premultiplied);
         // The painter is told where to draw; a ratio of the image's own would only be in the way.
         variant.picture.setDevicePixelRatio(1);
     }
