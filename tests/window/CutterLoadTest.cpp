@@ -103,7 +103,7 @@ TEST_F(CutterLoadTest, drop_logsInOrder) {
 }
 
 TEST_F(CutterLoadTest, drop_ofSeveral_loadsTheFirst) {
-    EXPECT_TRUE(drop(preview(), {video_, media("h264.mp4")}));
+    EXPECT_TRUE(dropFiles(preview(), {video_, media("h264.mp4")}));
     expectLoaded(video_);
 }
 
