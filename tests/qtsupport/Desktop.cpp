@@ -1,10 +1,13 @@
 #include "Desktop.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 #include <QWindow>
 #include <gtest/gtest.h>
 
@@ -46,6 +49,22 @@ void answerAlert(const QString& button) {
 void clickOnScreen(QWidget& widget) {
     const QPoint place = widget.mapTo(widget.window(), widget.rect().center());
     QTest::mouseClick(widget.window()->windowHandle(), Qt::LeftButton, {}, place);
+}
+
+bool dropFiles(QWidget& target, const QStringList& paths) {
+    QMimeData files;
+    QList<QUrl> urls;
+    for (const QString& path : paths)
+        urls.append(QUrl::fromLocalFile(path));
+    files.setUrls(urls);
+    const QPoint place = target.rect().center();
+    QDragEnterEvent enter(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &enter);
+    if (!enter.isAccepted())
+        return false;
+    QDropEvent drop(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &drop);
+    return drop.isAccepted();
 }
 
 } // namespace velmora::test

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -22,5 +23,8 @@ void answerAlert(const QString& button);
 /// Clicks where `widget` is on screen. Unlike QTest::mouseClick() on the widget itself, the click
 /// comes through its window and does not arrive while a modal window blocks that.
 void clickOnScreen(QWidget& widget);
+
+/// Drops files from another program on the middle of `target`; whether it took them.
+bool dropFiles(QWidget& target, const QStringList& paths);
 
 } // namespace velmora::test

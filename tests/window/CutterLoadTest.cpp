@@ -1,3 +1,4 @@
+#include "AlertPanel.h"
 #include "ConversionEngine.h"
 #include "CustomSlider.h"
 #include "MainWindowSupport.h"
@@ -9,7 +10,9 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QImage>
+#include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -103,7 +106,7 @@ TEST_F(CutterLoadTest, drop_logsInOrder) {
 }
 
 TEST_F(CutterLoadTest, drop_ofSeveral_loadsTheFirst) {
-    EXPECT_TRUE(drop(preview(), {video_, media("h264.mp4")}));
+    EXPECT_TRUE(dropFiles(preview(), {video_, media("h264.mp4")}));
     expectLoaded(video_);
 }
 
@@ -262,6 +265,28 @@ TEST_F(CutterLoadTest, twoFilesChosen_loadTheSecondUntilTheWindowIsClosed) {
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_EQ(log_.count("get path:" + video_), 1);
     EXPECT_GE(log_.count("get path:" + second), 2);
+}
+
+// A run that goes on behind a closed window ends at any time.
+TEST_F(CutterLoadTest, twoFilesChosen_alertMeanwhile_canBeAnswered) {
+    bool isAnswered = false;
+    const auto answer = [&isAnswered] {
+        clickOnScreen(*alertPanel()->defaultButton());
+        isAnswered = !alertPanel();
+        if (!isAnswered)
+            alertPanel()->close();
+    };
+    const auto tell = [&] {
+        fromTheEventLoop(answer);
+        runAlertPanel({}, "File failed!", "OK", "");
+        controller_.mainWin().close();
+    };
+    fromTheEventLoop([&] {
+        fromTheEventLoop(tell);
+        controller_.openFilePanelDidEnd({video_, media("h264.mp4")}, 1);
+    });
+    QApplication::exec();
+    EXPECT_TRUE(isAnswered);
 }
 
 TEST_F(CutterLoadTest, twoFilesChosen_firstInvalid_stopsThere) {

@@ -48,7 +48,7 @@ protected:
     QString value(const char* column, int row = 0) {
         return controller_.tableViewObjectValueForTableColumn(column, row).toString();
     }
-    bool dropOnTable(const QStringList& paths) { return drop(*table().viewport(), paths); }
+    bool dropOnTable(const QStringList& paths) { return dropFiles(*table().viewport(), paths); }
 
     /// Presses "Merge into a video file" and does `inPanel` with the panel on screen.
     bool merge(const std::function<void(QWidget&)>& inPanel) {

@@ -62,7 +62,7 @@ protected:
     void addTwoRows() {
         show("Video Joiner");
         for (int row = 0; row < 2; ++row)
-            drop(*table().viewport(), {media("video-only.mp4")});
+            dropFiles(*table().viewport(), {media("video-only.mp4")});
     }
     static void expectPanelWalks(QWidget& panel, const QString& start) {
         const QStringList direct{"mRadioDirect", "mTextField1", "mButBrowse", "mTextField2", start};

@@ -185,7 +185,7 @@ TEST_F(MainSetUpTest, setDefaultView_twiceMore_subscribesTwiceMore) {
 
 TEST_F(MainSetUpTest, oneScrubAfterTwoLoads_isHandledThreeTimes) {
     for (int load = 0; load < 2; ++load)
-        drop(preview(), {media("video-only.mp4")});
+        dropFiles(preview(), {media("video-only.mp4")});
     auto& position = outlet<QLineEdit>("mLabelDrag");
     int times = 0;
     QObject::connect(&position, &QLineEdit::textChanged, [&](const QString& shown) {

@@ -6,15 +6,12 @@
 #include "customImageView.h"
 
 #include <QApplication>
-#include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <QUrl>
 
 #include <utility>
 
@@ -87,24 +84,8 @@ void MainWindowTest::show(const char* workspace) {
     }
 }
 
-bool MainWindowTest::drop(QWidget& target, const QStringList& paths) {
-    QMimeData files;
-    QList<QUrl> urls;
-    for (const QString& path : paths)
-        urls.append(QUrl::fromLocalFile(path));
-    files.setUrls(urls);
-    const QPoint place = target.rect().center();
-    QDragEnterEvent enter(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&target, &enter);
-    if (!enter.isAccepted())
-        return false;
-    QDropEvent drop(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&target, &drop);
-    return drop.isAccepted();
-}
-
 void MainWindowTest::dropOnPreview(const QString& path) {
-    ASSERT_TRUE(drop(preview(), {path}));
+    ASSERT_TRUE(dropFiles(preview(), {path}));
 }
 
 bool MainWindowTest::isPanelOpen() {

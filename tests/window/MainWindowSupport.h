@@ -72,8 +72,6 @@ protected:
     void press(const char* button);
     /// Chooses the workspace "Video Cutter" or "Video Joiner".
     void show(const char* workspace);
-    /// Drops files from another program.
-    static bool drop(QWidget& target, const QStringList& paths);
     void dropOnPreview(const QString& path);
     /// Answers the open panel on screen.
     void choose(const QStringList& paths);

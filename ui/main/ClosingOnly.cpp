@@ -1,7 +1,7 @@
 #include "ClosingOnly.h"
 
 #include <QAction>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 
 namespace velmora {
@@ -27,11 +27,13 @@ bool isInput(QEvent::Type type) {
 } // namespace
 
 ClosingOnly::ClosingOnly(const QAction& quit) : quit_(quit) {
-    QCoreApplication::instance()->installEventFilter(this);
+    qApp->installEventFilter(this);
 }
 
+/// A run that ends meanwhile has its outcome told, by an alert that itself keeps input from all
+/// other windows.
 bool ClosingOnly::eventFilter(QObject* watched, QEvent* event) {
-    return watched != &quit_ && isInput(event->type());
+    return isInput(event->type()) && watched != &quit_ && !QApplication::activeModalWidget();
 }
 
 } // namespace velmora

@@ -6,7 +6,8 @@ class QAction;
 
 namespace velmora {
 
-/// While it lives, the user can do nothing in the program but close windows and quit. Main thread.
+/// While it lives, the user can do nothing in the program but answer alerts, close windows
+/// and quit. Main thread.
 class ClosingOnly : public QObject {
     Q_OBJECT
 
