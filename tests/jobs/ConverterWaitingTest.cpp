@@ -1,8 +1,11 @@
 #include "ControllerSupport.h"
+#include "FirstInput.h"
 #include "MediaReader.h"
 #include "ModalSession.h"
 
 #include <QTest>
+
+#include <thread>
 
 namespace velmora::test {
 namespace {
@@ -33,6 +36,26 @@ TEST_F(ConverterWaitingTest, closedByItsBox_theRunGoesOnAndIsToldInTheEnd) {
     EXPECT_EQ(item.converteState, Completed);
     EXPECT_FALSE(isRefreshing(first_));
     expectPictures("out.mp4", 119);
+}
+
+TEST_F(ConverterWaitingTest, previewAsTheRunEnds_theOutcomeIsTheRuns) {
+    NodeInfo& item = addItem(mediaPath("h264.mp4"), 0, 4000);
+    leaveGoing(first_, slowJob("out.mp4", 320, 180));
+    while (engine_.currentIndex != 1) // its end is not looked for before the next tick
+        std::this_thread::yield();
+    {
+        const FirstInput previewed;
+        EXPECT_EQ(engine_.currentIndex, 0);
+    }
+    EXPECT_TRUE(waitForAlerts(1));
+    EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
+    EXPECT_EQ(item.converteState, Completed);
+}
+
+TEST_F(ConverterWaitingTest, previewWithoutARun_leavesTheFirstInput) {
+    engine_.currentIndex = 3;
+    { const FirstInput previewed; }
+    EXPECT_EQ(engine_.currentIndex, 0);
 }
 
 TEST_F(ConverterWaitingTest, listReplacedMeanwhile_resultsReachTheItemsOfTheRun) {

@@ -3,6 +3,7 @@
 #include "ConversionEngine.h"
 #include "ConverterThread.h"
 #include "CustomSlider.h"
+#include "FirstInput.h"
 #include "LeadingNumber.h"
 #include "MainController.h"
 #include "MainWindow.h"
@@ -217,7 +218,7 @@ void MainController::firstLoadVideo(const QString& path) {
     ConversionEngine& engine = ConversionEngine::instance();
     engine.snapshotPath = snapshotFile;
     engine.probePath = path.toStdString();
-    engine.currentIndex = 0;
+    const FirstInput first;
     engine.startTimes[0] = 0.0;
     platformLog(QString("get path:%1").arg(path));
     engine.probe();
@@ -281,7 +282,7 @@ void MainController::scrubbingbarDidChange(const Notification& notification) {
     testSetTimeDuration(*ui_.mLabelDrag, mLabelValue, mDuration);
     ConversionEngine& engine = ConversionEngine::instance();
     engine.probePath = filename_.toStdString();
-    engine.currentIndex = 0;
+    const FirstInput first;
     engine.startTimes[0] = static_cast<double>(mLabelValue);
     engine.snapshot();
     showSnapshotUnlessShown(snapshotFile);

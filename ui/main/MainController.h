@@ -157,12 +157,13 @@ private:
     SnapshotMark markOf(const QString& path) const;
 
     std::optional<SnapshotMark> shown_;
-    QString version_;
+    QString version_; ///< as the info list tells it; shown nowhere
     QString filename_;
     float mDuration = 0;
     std::int64_t mStartValMs = 0;
     std::int64_t mEndValMs = 0;
     float mLabelValue = 0; ///< where the bar is
+    [[maybe_unused]] float mStartTimeMs = 0;
     bool mAddFileInitialized = false;
     bool terminating_ = false;
 };

@@ -14,13 +14,13 @@ namespace {
 
 constexpr int farInSteps = 10;
 
-void showAbout(QWidget& parent, const QString& version) {
+void showAbout(QWidget& parent) {
     auto* const box = new QMessageBox(&parent); // NOLINT(cppcoreguidelines-owning-memory)
     box->setObjectName("aboutBox");
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle("About Velmora");
     box->setTextFormat(Qt::PlainText);
-    box->setText(version.isEmpty() ? "Velmora" : "Velmora " + version);
+    box->setText("Velmora " VELMORA_VERSION);
     box->setInformativeText(
         "Cuts a stretch out of a video and joins videos into one.\n\n"
         "Free software under the GNU General Public License, version 3 or later.\n\n"
@@ -87,7 +87,7 @@ void MainController::connectMenu() {
     on(ui_.actionVideoCutter, [this] { ui_.segmentVideoCutter->setChecked(true); });
     on(ui_.actionVideoJoiner, [this] { ui_.segmentVideoJoiner->setChecked(true); });
     on(ui_.actionHelp, &MainController::showHelp);
-    on(ui_.actionAbout, [this] { showAbout(*mainWin_, version_); });
+    on(ui_.actionAbout, [this] { showAbout(*mainWin_); });
     ui_.actionSetStart->setShortcuts({Qt::Key_I, Qt::Key_BracketLeft});
     ui_.actionSetEnd->setShortcuts({Qt::Key_O, Qt::Key_BracketRight});
     ui_.actionStartCut->setShortcuts({Qt::CTRL | Qt::Key_Return, Qt::CTRL | Qt::Key_Enter});
