@@ -33,7 +33,12 @@ double VideoTranscoder::endSeconds() {
 }
 
 PacketOutcome VideoTranscoder::finish() {
-    return write(drained());
+    const Work& work = drained();
+    auto outcome = wholeness(work);
+    for (const PacketHandle& packet : work.encoded) { // also after one that could not be written
+        outcome = std::max(outcome, write(*packet));
+    }
+    return outcome;
 }
 
 const VideoTranscoder::Work& VideoTranscoder::drained() {
@@ -113,13 +118,17 @@ void VideoTranscoder::dropPrepared() {
     }
 }
 
+PacketOutcome VideoTranscoder::wholeness(const Work& work) {
+    return work.isWhole ? PacketOutcome::Done : PacketOutcome::FailedEnd;
+}
+
 PacketOutcome VideoTranscoder::write(const Work& work) {
     for (const PacketHandle& packet : work.encoded) {
         if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
             return outcome;
         }
     }
-    return work.isWhole ? PacketOutcome::Done : PacketOutcome::FailedEnd;
+    return wholeness(work);
 }
 
 PacketOutcome VideoTranscoder::write(AVPacket& packet) {

@@ -52,6 +52,7 @@ private:
     std::unique_ptr<Work> awaitFirst();
     void dropPrepared();
     const Work& drained();
+    static PacketOutcome wholeness(const Work& work);
     PacketOutcome write(const Work& work);
     PacketOutcome write(AVPacket& packet);
     void stampForJoin(AVPacket& packet);
