@@ -79,6 +79,7 @@ int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
     if (added == nullptr) {
         return AVERROR(ENOMEM);
     }
+    added->stream->r_frame_rate = source.r_frame_rate;
     result = encoder_.describe(*added->stream->codecpar);
     return result < 0 ? result : copyStreamDescription(source, *added->stream);
 }

@@ -1,7 +1,6 @@
 #include "FaultyMedia.h"
 
 extern "C" {
-#include <libavformat/avformat.h>
 #include <libavutil/audio_fifo.h>
 }
 
@@ -32,10 +31,17 @@ const FaultyMedia::Decisions* FaultyMedia::current() {
 // The names are the linker's.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
+int __real_avformat_write_header(AVFormatContext* output, AVDictionary** options);
 int __real_av_interleaved_write_frame(AVFormatContext* output, AVPacket* packet);
 int __real_avcodec_send_frame(AVCodecContext* encoder, const AVFrame* frame);
 int __real_av_frame_get_buffer(AVFrame* frame, int align);
 int __real_av_audio_fifo_write(AVAudioFifo* queue, void** data, int samples);
+
+int __wrap_avformat_write_header(AVFormatContext* output, AVDictionary** options) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    const bool fails = faults != nullptr && faults->begin && faults->begin(*output);
+    return fails ? AVERROR(EIO) : __real_avformat_write_header(output, options);
+}
 
 int __wrap_av_interleaved_write_frame(AVFormatContext* output, AVPacket* packet) {
     const auto* faults = velmora::test::FaultyMedia::current();

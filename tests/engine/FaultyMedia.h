@@ -2,6 +2,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
 }
 
 #include <functional>
@@ -15,7 +16,8 @@ public:
     /// Each is asked before its call and answers whether that fails; an empty one lets everything
     /// pass. May be asked on any thread.
     struct Decisions {
-        std::function<bool(const AVPacket&)> write = {}; ///< into the output
+        std::function<bool(const AVFormatContext&)> begin = {}; ///< the output, with its header
+        std::function<bool(const AVPacket&)> write = {};        ///< into the output
         /// Null: the drain.
         std::function<bool(const AVCodecContext&, const AVFrame*)> encode = {};
         std::function<bool(const AVFrame&)> allocate = {}; ///< the memory of a frame

@@ -1,5 +1,6 @@
 // What the encoders and the numbering are set to, as the files tell it.
 
+#include "FaultyMedia.h"
 #include "ReencodeSupport.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::test {
 namespace {
@@ -151,6 +153,24 @@ INSTANTIATE_TEST_SUITE_P(
         SourceRate{"television_MPEG4", "982057/32768", AV_CODEC_ID_MPEG4, {100, 2997}, 29.0},
         SourceRate{"television_H264", "982057/32768", AV_CODEC_ID_H264, {32768, 982057}, 29.0}),
     [](const auto& tested) { return std::string(tested.param.name); });
+
+// Muxers may ask for it, also where the output has another rate.
+TEST_F(ReencodeEncoder, SourceRate_is_told_to_the_muxer) {
+    for (const double setting : {0.0, 30.0}) {
+        engine_.videoFrameRate = setting;
+        std::vector<AVRational> rates;
+        const FaultyMedia observed({.begin = [&rates](const AVFormatContext& output) {
+            rates.push_back(output.streams[0]->r_frame_rate);
+            return false;
+        }});
+
+        made(smallSource(), "mp4");
+
+        ASSERT_EQ(rates.size(), 1U);
+        EXPECT_EQ(rates[0].num, 25) << setting;
+        EXPECT_EQ(rates[0].den, 1) << setting;
+    }
+}
 
 struct Headers {
     const char* extension;
