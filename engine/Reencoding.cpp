@@ -40,13 +40,16 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
     readAhead_ = readAheadFor(*input.videoDecoder());
     auto pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
                                                       *input.videoDecoder(), encoder_, timing_);
-    if (!needsSilence(input, output)) {
+    if (!needsSilence(input, output, isFirst)) {
         pictures_ = pictures.get();
         handler = std::move(pictures);
         return 0;
     }
     AudioEncoder silence;
-    const int result = silence.open(audio_, output.format());
+    int result = silence.open(audio_, output.format());
+    if (result >= 0 && isFirst) {
+        result = addAudio(silence, *input.audioStream(), output);
+    }
     if (result >= 0) {
         handler = std::make_unique<SilentInput>(output, std::move(pictures),
                                                 writerOf(std::move(silence), output));
@@ -54,10 +57,12 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
     return result;
 }
 
-/// Whether the input lacks the sound that the output has.
-bool Reencoding::needsSilence(const InputMedia& input, OutputMedia& output) const {
-    return timing_ == Timing::Join && output.audioStream() != nullptr &&
-           input.audioDecoder() == nullptr;
+/// Whether the input lacks the sound that the output has, or will have for the sake of the inputs
+/// that follow.
+bool Reencoding::needsSilence(const InputMedia& input, OutputMedia& output, bool isFirst) const {
+    const bool hasSound =
+        isFirst ? input.audioStream() != nullptr : output.audioStream() != nullptr;
+    return timing_ == Timing::Join && hasSound && input.audioDecoder() == nullptr;
 }
 
 SoundWriter Reencoding::writerOf(AudioEncoder encoder, OutputMedia& output) const {

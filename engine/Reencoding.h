@@ -25,7 +25,7 @@ public:
 
     int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<PacketHandler>& handler) override;
-    /// Sound that cannot be decoded is left out.
+    /// Sound that cannot be decoded is left out of a cut; in a join, silence has replaced it.
     int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<PacketHandler>& handler) override;
     void setUpDone(InputMedia& /*input*/) override { pictures_ = nullptr; }
@@ -34,7 +34,7 @@ public:
 private:
     int addVideo(InputMedia& input, OutputMedia& output);
     int addAudio(const AudioEncoder& encoder, const AVStream& source, OutputMedia& output) const;
-    bool needsSilence(const InputMedia& input, OutputMedia& output) const;
+    bool needsSilence(const InputMedia& input, OutputMedia& output, bool isFirst) const;
     SoundWriter writerOf(AudioEncoder encoder, OutputMedia& output) const;
 
     const VideoSettings video_;

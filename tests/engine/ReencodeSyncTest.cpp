@@ -201,6 +201,19 @@ TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_is_replaced) {
     EXPECT_NEAR(beeps[1], flashes[2], 0.07);
 }
 
+TEST_F(ReencodeSilence, SoundOfTheFirstJoinedInputThatCannotBeDecoded_is_replaced) {
+    const std::string unknown = folder_ / "unknown.avi";
+    forgetSoundCodec(signalOf("mpeg4"), unknown);
+
+    EXPECT_EQ(join({unknown, even_}, output_).states, std::vector(2, 1));
+
+    const auto flashes = flashesIn(output_);
+    const auto beeps = beepsIn(output_);
+    ASSERT_EQ(flashes.size(), 2U);
+    ASSERT_EQ(beeps.size(), 1U);
+    EXPECT_NEAR(beeps[0], flashes[1], 0.07);
+}
+
 TEST_F(ReencodeSilence, SoundOfTheFirstInputThatCannotBeDecoded_is_left_out) {
     const std::string unknown = folder_ / "unknown.avi";
     forgetSoundCodec(signalOf("mpeg4"), unknown);
