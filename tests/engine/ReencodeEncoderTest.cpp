@@ -222,10 +222,14 @@ INSTANTIATE_TEST_SUITE_P(Codecs, ReencodeUnoffered,
                              return std::string(avcodec_get_name(tested.param));
                          });
 
+std::string smallSilentSource() {
+    return mediaMadeBy("-f lavfi -i testsrc2=size=64x48:rate=25:duration=1 -c:v mpeg4",
+                       "small-silent.mkv");
+}
+
 // The first picture is stamped 1, each one after it a picture's length later, later inputs too.
 TEST_F(ReencodeEncoder, JoinOfPicturesAlone_is_numbered_from_the_first_tick) {
-    const std::string source = mediaMadeBy(
-        "-f lavfi -i testsrc2=size=64x48:rate=25:duration=1 -c:v mpeg4", "small-silent.mkv");
+    const std::string source = smallSilentSource();
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);
     const std::string output = folder_ / "out.mkv";
 
@@ -236,6 +240,21 @@ TEST_F(ReencodeEncoder, JoinOfPicturesAlone_is_numbered_from_the_first_tick) {
     for (std::size_t i = 0; i < packets.size(); ++i) {
         ASSERT_EQ(packets[i].pts, 1 + 40 * static_cast<std::int64_t>(i)) << i; // milliseconds
     }
+}
+
+// Without sound to catch up with, the numbering goes on by one tick for each picture.
+TEST_F(ReencodeEncoder, JoinOfPicturesAlone_gives_each_the_duration_of_a_tick) {
+    choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);
+    std::vector<std::int64_t> durations;
+    const FaultyMedia observed({.write = [&durations](const AVPacket& packet) {
+        durations.push_back(packet.duration);
+        return false;
+    }});
+
+    EXPECT_EQ(join({smallSilentSource(), smallSilentSource()}, folder_ / "out.mp4").states,
+              std::vector(2, 1));
+
+    EXPECT_EQ(durations, std::vector<std::int64_t>(50, 1));
 }
 
 TEST_F(ReencodeEncoder, SecondCutInput_stops_at_once) {
