@@ -1,3 +1,4 @@
+#include "FaultyMedia.h"
 #include "ReencodeSupport.h"
 
 extern "C" {
@@ -13,6 +14,8 @@ extern "C" {
 #include <functional>
 #include <numeric>
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace velmora::test {
 namespace {
@@ -109,6 +112,28 @@ TEST_F(Reencode, EveryTwelfthPicture_at_most_is_a_key_picture) {
         EXPECT_EQ(packets[i].flags.front(), 'K') << i;
     }
     EXPECT_EQ(fieldsOf(output, "v:0").at("has_b_frames"), 0);
+}
+
+// A new scene may begin with a further key picture, which a still has not. Looked at on the way
+// into the muxer, since readers find key pictures by themselves.
+TEST_F(Reencode, EveryTwelfthPictureOfAStill_alone_is_a_key_picture) {
+    const std::string still =
+        mediaMadeBy("-f lavfi -i color=gray:size=64x48:rate=25:duration=2 -c:v mpeg4", "still.mkv");
+    for (const AVCodecID codec : {AV_CODEC_ID_H264, AV_CODEC_ID_MPEG4}) {
+        choose(codec, AV_CODEC_ID_AAC);
+        std::vector<bool> isKey;
+        const FaultyMedia observed({.write = [&isKey](const AVPacket& packet) {
+            isKey.push_back((packet.flags & AV_PKT_FLAG_KEY) != 0);
+            return false;
+        }});
+
+        EXPECT_EQ(cut(still, 0, 2000, folder_ / "out.mkv").states, std::vector{1});
+
+        ASSERT_GT(isKey.size(), 40U);
+        for (std::size_t i = 0; i < isKey.size(); ++i) {
+            EXPECT_EQ(isKey[i], i % 12 == 0) << avcodec_get_name(codec) << " " << i;
+        }
+    }
 }
 
 TEST_F(Reencode, SourceRate_is_put_into_the_settings) {
