@@ -31,12 +31,13 @@ AVCodecID videoCodecOf(const std::string& name) {
 }
 
 /// How close the output's pictures come to those that ffmpeg decodes of the source and brings to
-/// the output's size and range, picture by picture; dB.
-double psnrOf(const std::string& output, const std::string& source) {
+/// the output's size and range by the scaling named, picture by picture; dB.
+double psnrOf(const std::string& output, const std::string& source,
+              const std::string& scaling = "bicubic") {
     const std::string counted = "settb=1/25,setpts=N";
     const std::string graph = "[0:v]" + counted + ",format=yuv420p[a];[1:v]" +
-                              "scale=160:120:flags=bicubic:out_range=tv,format=yuv420p," + counted +
-                              "[b];[a][b]psnr=shortest=1";
+                              "scale=160:120:flags=" + scaling + ":out_range=tv,format=yuv420p," +
+                              counted + "[b];[a][b]psnr=shortest=1";
     const ProgramResult result =
         runProgram({"ffmpeg", "-v", "info", "-nostdin", "-vsync", "passthrough", "-i", output, "-i",
                     source, "-lavfi", graph, "-f", "null", "-"});
@@ -91,6 +92,22 @@ TEST_P(ReencodeQuality, Pictures_are_those_of_the_source) {
 
 INSTANTIATE_TEST_SUITE_P(Encoders, ReencodeQuality, testing::ValuesIn(kVideoNames),
                          [](const auto& made) { return std::string(made.param); });
+
+TEST_F(Reencode, Pictures_are_scaled_as_cubic_curves_do) {
+    choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3);
+    engine_.videoBitRate = 4'000'000;
+    const std::string output = folder_ / "out.mkv";
+    for (const char* size : {"400x300", "100x75"}) { // to be made smaller, and larger
+        const std::string source = mediaMadeBy(
+            std::string("-f lavfi -i testsrc2=rate=25:duration=1:size=") + size + " -c:v ffv1",
+            std::string("scaled-") + size + ".mkv");
+
+        ASSERT_EQ(cut(source, 0, 1000, output).states, std::vector{1});
+
+        EXPECT_GT(psnrOf(output, source, "bicubic"), psnrOf(output, source, "bilinear") + 1.0)
+            << size;
+    }
+}
 
 class ReencodeOddSource : public Reencode,
                           public testing::WithParamInterface<std::tuple<const char*, const char*>> {
@@ -216,6 +233,18 @@ TEST_P(ReencodeSound, Sound_has_the_bit_rate_asked_for) {
             "a:0");
     }
     EXPECT_NEAR(bitRateOf(output, "a:0"), expected, 0.15 * expected);
+}
+
+TEST_F(Reencode, LowBitRate_is_that_of_the_sound_where_it_is_not_AAC) {
+    engine_.audioBitRate = 64'000;
+    for (const AVCodecID codec : {AV_CODEC_ID_MP3, AV_CODEC_ID_WMAV2}) {
+        choose(AV_CODEC_ID_MPEG4, codec);
+        const std::string output = folder_ / "out.mkv";
+
+        ASSERT_EQ(cut(noise(), 0, 6000, output).states, std::vector{1});
+
+        EXPECT_NEAR(bitRateOf(output, "a:0"), 64'000, 0.15 * 64'000) << avcodec_get_name(codec);
+    }
 }
 
 TEST_P(ReencodeSound, Sound_is_that_of_the_source) {
