@@ -123,6 +123,20 @@ INSTANTIATE_TEST_SUITE_P(Sources, ReencodeResampled,
                                          std::tuple{"-c:a flac -ar 44100 -ac 2", 1}),
                          [](const auto& tested) { return asTestName(std::get<0>(tested.param)); });
 
+// Nobody knows where nine channels belong.
+TEST_F(ReencodeAudio, ResamplerThatCannotBeMade_fails_the_input) {
+    const std::string source =
+        mediaMadeBy(kPictures + std::string("-f s16le -ac 9 -ar 44100 -t 1 -i /dev/zero -c:v mpeg4 "
+                                            "-c:a pcm_s16le"),
+                    "nine-channels.mkv");
+    ASSERT_EQ(fieldsOf(source, "a:0").at("channels"), 9);
+    const AtLogLine line("sound: resample: ", [](int) {});
+
+    EXPECT_EQ(cut(source, 0, 1000, folder_ / "out.mkv").states, std::vector{2});
+
+    EXPECT_EQ(line.seen(), 1);
+}
+
 // The encoder's first frame lies before the first sample.
 TEST_F(ReencodeAudio, Cut_counts_samples_from_zero) {
     const std::string source =
