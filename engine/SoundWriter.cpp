@@ -76,12 +76,11 @@ PacketOutcome SoundWriter::encodeChunk() {
 }
 
 PacketOutcome SoundWriter::write(const std::vector<PacketHandle>& packets) {
+    auto outcome = PacketOutcome::Done;
     for (const PacketHandle& packet : packets) {
-        if (const auto outcome = write(*packet); outcome != PacketOutcome::Done) {
-            return outcome;
-        }
+        outcome = std::max(outcome, write(*packet));
     }
-    return PacketOutcome::Done;
+    return outcome;
 }
 
 PacketOutcome SoundWriter::write(AVPacket& packet) {

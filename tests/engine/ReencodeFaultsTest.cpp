@@ -74,6 +74,22 @@ TEST_F(ReencodeFaults, SoundThatCannotBeWritten_fails_the_input_which_goes_on) {
     }
 }
 
+// This encoder holds several packets back.
+TEST_F(ReencodeFaults, SoundOfTheDrainThatCannotBeWritten_takes_no_other_with_it) {
+    choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_VORBIS);
+    EXPECT_EQ(cutWith({}).states, std::vector{1});
+    const auto all = static_cast<int>(sounds());
+    for (int failing = all - 4; failing <= all; ++failing) {
+        calls_ = 0;
+        const auto result = cutWith({.write = [&](const AVPacket& packet) {
+            return packet.stream_index == kAudio && ++calls_ == failing;
+        }});
+
+        EXPECT_EQ(result.states, std::vector{2}) << failing;
+        EXPECT_EQ(calls_, all) << failing;
+    }
+}
+
 TEST_F(ReencodeFaults, NoSoundThatCanBeWritten_leaves_the_pictures) {
     const auto result =
         cutWith({.write = [](const AVPacket& packet) { return packet.stream_index == kAudio; }});
