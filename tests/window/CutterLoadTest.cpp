@@ -183,17 +183,39 @@ TEST_F(CutterLoadTest, load_resetsBarAndAnchors) {
     expectLoaded(video_);
 }
 
+TEST_F(CutterLoadTest, load_again_takesTheInvitationsTooltipAwayAgain) {
+    dropOnPreview(video_);
+    dropOnPreview(video_);
+    EXPECT_EQ(outlet("mButtonSetImage").toolTip(), "");
+}
+
+TEST_F(CutterLoadTest, load_again_showsTheFirstPictureAgain) {
+    const QString video = media("h264.mp4"); // a key picture each second
+    dropOnPreview(video);
+    const QImage first = shown();
+    bar().moveByUser(50);
+    ASSERT_NE(shown(), first);
+    dropOnPreview(video);
+    EXPECT_EQ(shown(), first);
+}
+
 TEST_F(CutterLoadTest, invalidFile_dropped_alertsAndLeavesTheWindowReset) {
     dropOnPreview(video_);
+    joinerFileList->push_back(std::make_shared<NodeInfo>());
     const QString file = textFile();
     EXPECT_EQ(alertsOf([&] { dropOnPreview(file); }), std::vector{plainAlert(invalid)});
     EXPECT_TRUE(cutterFileList->empty());
+    EXPECT_TRUE(joinerFileList->empty());
+    EXPECT_TRUE(bar().customSliderEnable());
     EXPECT_TRUE(controller_.addFileInitialized());
     EXPECT_EQ(controller_.filename(), file);
     // The engine keeps the length of the video before.
     EXPECT_FLOAT_EQ(controller_.duration(), 4.0F);
     EXPECT_EQ(text("mLabelEnd"), "00:00:04.000"); // from before the test of the file
     EXPECT_EQ(bar().anchorLeft(), -1);
+    const InNextPanel panel([](QWidget&) {});
+    press("mButtonCutterSetting");
+    EXPECT_TRUE(panel.hasOpened());
 }
 
 TEST_F(CutterLoadTest, invalidFile_chosen_alertsAndKeepsTheAnchors) {

@@ -113,6 +113,14 @@ TEST_F(CutterMarksTest, startPoint_atOrAfterTheEnd_movesTextAndMillisecondsOfThe
     EXPECT_EQ(bar().anchorLeft(), 50);
 }
 
+TEST_F(CutterMarksTest, startPoint_atTheEnd_leavesTheBarsEndToTheNextDrawing) {
+    markEnd(50);
+    bar().moveByUser(50);
+    controller_.button_left_anchor(); // unlike a press, lets nothing be drawn afterwards
+    EXPECT_EQ(bar().anchorLeft(), 50);
+    EXPECT_EQ(bar().anchorRight(), 50);
+}
+
 TEST_F(CutterMarksTest, endPoint_atOrBeforeTheStart_movesTextAndMillisecondsOfTheStartOnly) {
     markStart(75);
     markEnd(50);
@@ -121,6 +129,15 @@ TEST_F(CutterMarksTest, endPoint_atOrBeforeTheStart_movesTextAndMillisecondsOfTh
     EXPECT_EQ(text("mLabelStart"), "00:00:00.000");
     EXPECT_EQ(text("mLabelDuration"), "00:00:02.000");
     EXPECT_EQ(currentSetting->cutStartTime, 3000.0F);
+}
+
+TEST_F(CutterMarksTest, endPoint_atTheStart_movesTheStart) {
+    markStart(50);
+    markEnd(50);
+    EXPECT_EQ(controller_.getTextFieldValueMs(1), 0);
+    EXPECT_EQ(controller_.getTextFieldValueMs(2), 2000);
+    EXPECT_EQ(text("mLabelStart"), "00:00:00.000");
+    EXPECT_EQ(text("mLabelDuration"), "00:00:02.000");
 }
 
 TEST_F(CutterMarksTest, anchorThatWasCrossed_isDroppedWhenTheBarIsDrawn) {

@@ -56,6 +56,39 @@ TEST_F(CutterStartTest, start_takesTheTypedTimes) {
     EXPECT_EQ(text("mLabelDuration"), "00:00:01.755");
 }
 
+TEST_F(CutterStartTest, start_again_opensTheSamePanelWithItsFieldsKept) {
+    load();
+    const QWidget* first = nullptr;
+    EXPECT_TRUE(startCut([&first](QWidget& panel) {
+        first = &panel;
+        panel.findChild<QLineEdit*>("mTextField1")->setText("/out");
+        panel.findChild<QLineEdit*>("mTextField2")->setText("mine");
+    }));
+    dropOnPreview(media("h264.mp4"));
+    EXPECT_TRUE(startCut([&first](QWidget& panel) {
+        EXPECT_EQ(&panel, first);
+        EXPECT_EQ(panel.findChild<QLineEdit*>("mTextField1")->text(), "/out");
+        EXPECT_EQ(panel.findChild<QLineEdit*>("mTextField2")->text(), "mine");
+    }));
+}
+
+TEST_F(CutterStartTest, start_lengthOfZero_opensThePanel) {
+    load();
+    type("mLabelStart", "00:00:02.000");
+    type("mLabelEnd", "00:00:02.000");
+    outlet<QLineEdit>("mLabelDuration").clear();
+    EXPECT_TRUE(startCut([](QWidget&) {}));
+    EXPECT_EQ(text("mLabelDuration"), "00:00:00.000");
+}
+
+TEST_F(CutterStartTest, start_sourceOfUnknownLength_asksForAVideo) {
+    alertsOf([this] { dropOnPreview(media("raw.h264")); });
+    ASSERT_LT(controller_.duration(), 0);
+    EXPECT_EQ(alertsOf([this] { press("mButtonCutterSetting"); }),
+              std::vector{errorAlert("Please add video file first!")});
+    EXPECT_EQ(modalWindow(), nullptr);
+}
+
 TEST_F(CutterStartTest, start_endBeforeStart_saysSo) {
     load();
     type("mLabelStart", "00:00:03.000");
@@ -65,12 +98,22 @@ TEST_F(CutterStartTest, start_endBeforeStart_saysSo) {
     EXPECT_EQ(modalWindow(), nullptr);
 }
 
-TEST_F(CutterStartTest, start_textThatIsNoTime_saysSo) {
+TEST_F(CutterStartTest, start_endThatIsNoTime_saysSo) {
     load();
     type("mLabelEnd", "never");
     EXPECT_EQ(alertsOf([this] { press("mButtonCutterSetting"); }),
               std::vector{plainAlert("incorrect time format(e.g. xx:xx:xx.xxx)!")});
     EXPECT_EQ(currentSetting->cutEndTime, -1.0F);
+}
+
+TEST_F(CutterStartTest, start_startThatIsNoTime_saysSo) {
+    load();
+    type("mLabelStart", "now");
+    EXPECT_EQ(alertsOf([this] { press("mButtonCutterSetting"); }),
+              std::vector{plainAlert("incorrect time format(e.g. xx:xx:xx.xxx)!")});
+    EXPECT_EQ(currentSetting->cutStartTime, -1.0F);
+    EXPECT_EQ(currentSetting->cutEndTime, 4000.0F);
+    EXPECT_EQ(modalWindow(), nullptr);
 }
 
 TEST_F(CutterStartTest, cut_fromLoadToFile_writesTheStretch) {

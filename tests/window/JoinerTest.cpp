@@ -4,6 +4,7 @@
 #include "ModalSession.h"
 #include "SharedState.h"
 
+#include <QComboBox>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QHeaderView>
@@ -11,6 +12,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTest>
 
 #include <array>
@@ -104,6 +106,16 @@ TEST_F(JoinerTest, add_settingTakesTheParametersOfTheLastFile) {
     controller_.joinerAddFile(media("odd-size.mp4"));
     EXPECT_EQ(currentSetting->width, 175);
     EXPECT_EQ(currentSetting->height, 99);
+}
+
+TEST_F(JoinerTest, add_invalidFile_leavesTheSettingAsItWas) {
+    controller_.joinerAddFile(media("odd-size.avi"));
+    // Has another size and codec, but no length.
+    EXPECT_EQ(alertsOf([this] { controller_.joinerAddFile(media("raw.h264")); }),
+              std::vector{plainAlert("File is invalid!")});
+    ASSERT_NE(ConversionEngine::instance().sourceWidth, 321);
+    EXPECT_EQ(currentSetting->width, 321);
+    EXPECT_EQ(currentSetting->vEncoder, "mpeg4");
 }
 
 TEST_F(JoinerTest, add_goesToTheJoinersListWhicheverIsOnShow) {
@@ -331,6 +343,15 @@ TEST_F(JoinerTest, canJoin_middleDiffers_logsBothPairs) {
                            "format:avi Vs mp4 resolution:320x240 Vs 640x480"}));
 }
 
+TEST_F(JoinerTest, canJoin_onlyTheSizeDiffers_isFalse) {
+    addRow("mp4", "640x480");
+    addRow("mp4", "640x480");
+    addRow("mp4", "1280x720");
+    EXPECT_FALSE(controller_.fileCanJoin());
+    EXPECT_EQ(log_.all(),
+              QStringList({"fileCanJoin", "format:mp4 Vs mp4 resolution:640x480 Vs 1280x720"}));
+}
+
 TEST_F(JoinerTest, canJoin_percentInAName_isLoggedAsItIs) {
     addRow("%1", "640x480");
     addRow("%2", "640x480");
@@ -363,6 +384,15 @@ TEST_F(JoinerTest, merge_opensThePanelModally) {
     }));
 }
 
+TEST_F(JoinerTest, merge_countsRowsNotCheckedOnes) {
+    for (int i = 0; i < 2; ++i) {
+        addRow("mp4", "640x480");
+        joinerFileList->back()->isSeleted = 0;
+    }
+    controller_.openFilePanelDidEnd({}, 1); // shows the rows
+    EXPECT_TRUE(merge([](QWidget&) {}));
+}
+
 TEST_F(JoinerTest, merge_filesOfDifferentKinds_refusesADirectJoin) {
     dropOnTable({video_});
     dropOnTable({media("mpeg4.avi")});
@@ -374,6 +404,34 @@ TEST_F(JoinerTest, merge_filesOfDifferentKinds_refusesADirectJoin) {
     }));
     EXPECT_EQ(alerts, std::vector{errorAlert("No same-type files, can not use direct join, "
                                              "please use indirect join!")});
+}
+
+TEST_F(JoinerTest, merge_filesOfDifferentSize_canOnlyBeJoinedIndirectly) {
+    dropOnTable({video_});
+    dropOnTable({media("odd-size.mp4")});
+    std::vector<SeenAlert> alerts;
+    EXPECT_TRUE(merge([&](QWidget& panel) {
+        const auto start = [&panel] {
+            QTest::mouseClick(panel.findChild<QPushButton*>("mButStartJoin"), Qt::LeftButton);
+        };
+        panel.findChild<QLineEdit*>("mTextField1")
+            ->setText(QString::fromStdString(folder_.path().string()));
+        alerts = alertsOf(start);
+        QTest::mouseClick(panel.findChild<QRadioButton*>("mRadioReencode"), Qt::LeftButton, {},
+                          QPoint(8, 8));
+        panel.findChild<QComboBox*>("mVideoSize")->setCurrentText("320x240");
+        for (const SeenAlert& alert : alertsOf(start))
+            alerts.push_back(alert);
+    }));
+    EXPECT_EQ(alerts, std::vector({errorAlert("No same-type files, can not use direct join, "
+                                              "please use indirect join!"),
+                                   plainAlert("Congratulations! file has completed!")}));
+    const auto stream =
+        ffprobeJson(folder_ / "join-all.mp4", {"-show_streams"}).at("streams").at(0);
+    EXPECT_EQ(stream.at("width"), 320);
+    EXPECT_EQ(stream.at("height"), 240);
+    // The first has 4 s. Of the last pictures, some stay in the encoder.
+    EXPECT_GT(std::stod(stream.at("duration").get<std::string>()), 4.1);
 }
 
 TEST_F(JoinerTest, merge_refused_hasGivenTheExtensionAllTheSame) {

@@ -1,3 +1,4 @@
+#include "Bundle.h"
 #include "CustomSlider.h"
 #include "JoinerTable.h"
 #include "MainWindowSupport.h"
@@ -13,6 +14,9 @@
 #include <QTest>
 #include <QTextDocument>
 #include <QTimer>
+
+#include <filesystem>
+#include <string>
 
 namespace velmora::test {
 namespace {
@@ -35,6 +39,51 @@ TEST_F(MainSetUpTest, start_logsItsStages) {
 
 TEST_F(MainSetUpTest, start_titleHasNoVersion) {
     EXPECT_EQ(controller_.mainWin().windowTitle(), "Velmora");
+}
+
+TEST_F(MainSetUpTest, title_installedInfoListIsDamagedOrAnother_staysTheSame) {
+    const std::filesystem::path programs = QCoreApplication::applicationDirPath().toStdString();
+    const std::filesystem::path list = programs / "../share/velmora/velmora-Info.plist";
+    const std::string other = "<plist version=\"1.0\"><dict><key>CFBundleShortVersionString</key>"
+                              "<string>98.7</string><key>CFBundleName</key><string>Other</string>"
+                              "</dict></plist>";
+    std::filesystem::create_directories(list.parent_path());
+    for (const std::string& content : {std::string(), std::string("<plist><dict"), other}) {
+        writeFile(list, content);
+        EXPECT_EQ(Bundle::pathForResource("velmora-Info", "plist").toStdString(), list);
+        controller_.mainWin().setWindowTitle("none");
+        controller_.initVersionPlist();
+        EXPECT_EQ(controller_.mainWin().windowTitle(), "Velmora") << content;
+    }
+    std::filesystem::remove(list);
+}
+
+TEST_F(MainSetUpTest, window_hasAllOutlets) {
+    EXPECT_EQ(controller_.mainWin().objectName(), "mainWin");
+    for (const char* const name : {"tableView",
+                                   "mTextFieldHowTo",
+                                   "mButtonCutterAdd",
+                                   "mButtonPlay",
+                                   "mButtonLeft",
+                                   "mButtonRight",
+                                   "mButtonCutterSetting",
+                                   "mButtonJoinerAdd",
+                                   "mButtonJoinerRemove",
+                                   "mButtonJoinerSetting",
+                                   "mCustomSlider",
+                                   "mCustomImage",
+                                   "mAddFileToolTip",
+                                   "mAddFileToolTipJoiner",
+                                   "curView",
+                                   "viewCutter",
+                                   "viewJoiner",
+                                   "mButtonSeg",
+                                   "mButtonSetImage",
+                                   "mLabelStart",
+                                   "mLabelEnd",
+                                   "mLabelDrag",
+                                   "mLabelDuration"})
+        EXPECT_EQ(controller_.mainWin().findChildren<QWidget*>(name).size(), 1) << name;
 }
 
 TEST_F(MainSetUpTest, start_makesEmptySharedStateWithTheCutterOnShow) {
@@ -172,6 +221,22 @@ TEST_F(MainSetUpTest, setDefaultView_again_replacesAllSharedState) {
     EXPECT_NE(joinerFileList, lists.second);
     EXPECT_TRUE(joinerFileList->empty());
     EXPECT_EQ(sharedFileList, cutterFileList);
+}
+
+TEST_F(MainSetUpTest, setDefaultView_videoLoaded_isWithoutOneAgain) {
+    ASSERT_TRUE(dropFiles(preview(), {media("video-only.mp4")}));
+    ASSERT_TRUE(controller_.addFileInitialized());
+    ASSERT_TRUE(bar().customSliderEnable());
+    controller_.setDefaultView();
+    EXPECT_FALSE(controller_.addFileInitialized());
+    EXPECT_FALSE(bar().customSliderEnable());
+}
+
+TEST_F(MainSetUpTest, setDefaultView_joinerOnShow_showsTheCutter) {
+    show("Video Joiner");
+    ASSERT_EQ(workspace(), &outlet("viewJoiner"));
+    controller_.setDefaultView();
+    EXPECT_EQ(workspace(), &outlet("viewCutter"));
 }
 
 TEST_F(MainSetUpTest, setDefaultView_twiceMore_subscribesTwiceMore) {

@@ -24,9 +24,9 @@ TEST(TimeText, partOfAMillisecond_isCutOff) {
 }
 
 TEST(TimeText, millisecond_isCountedInSinglePrecision) {
-    // 12.345 x 1000 is 12345.0 in single precision; in double precision the same number, which is
-    // a little more than 12.345, would give the same, but 1.001 would give 1000 and not 1001.
-    EXPECT_EQ(timeText(1.001F), "00:00:01.001");
+    // The nearest number of single precision lies a little below 1.356. A thousand times that is
+    // rounded to 1356 in single precision, but stays below it in double precision.
+    EXPECT_EQ(timeText(1.356F), "00:00:01.356");
 }
 
 TEST(TimeText, hundredHours_giveThreeDigits) {
