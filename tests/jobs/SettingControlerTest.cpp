@@ -178,6 +178,21 @@ TEST_F(SettingControlerTest, default_selectsTheDefaultsAndStoresNothing) {
     EXPECT_EQ(stored(), before);
 }
 
+TEST_F(SettingControlerTest, default_profileUnknownByThen_changesTheNameOnly) {
+    open([](QWidget& window) {
+        for (const char* const name : kBoxes)
+            QTest::keyClick(&box(window, name), Qt::Key_End);
+        const QStringList before = shown(window);
+        currentSetting->profileName = "unknown";
+        press(window, "btDefault");
+        EXPECT_EQ(window.findChild<QLabel*>("proName")->text(), "unknown");
+        EXPECT_EQ(shown(window), before);
+        for (const char* const name : kBoxes)
+            EXPECT_EQ(box(window, name).count(), 3) << name;
+        press(window, "btCancel");
+    });
+}
+
 TEST_F(SettingControlerTest, defaultThenOk_storesTheDefaults) {
     open([](QWidget& window) {
         QTest::keyClick(&box(window, "comVBitrate"), Qt::Key_End);

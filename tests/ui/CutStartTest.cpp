@@ -161,6 +161,19 @@ TEST_F(CutStartTest, start_severalItems_allGetTheWindow) {
     EXPECT_EQ(second->endTime, 2000.0F);
 }
 
+TEST_F(CutStartTest, start_joinersListOnShow_itsItemsKeepTheirTimes) {
+    showPanel();
+    joinerFileList->push_back(std::make_shared<NodeInfo>());
+    sharedFileList = joinerFileList;
+    typeFolder(path(""));
+    const AlertReader alerts;
+    pressStart();
+    EXPECT_EQ(cutterFileList->front()->startTime, 500.0F);
+    EXPECT_EQ(cutterFileList->front()->endTime, 2000.0F);
+    EXPECT_EQ(joinerFileList->front()->startTime, 0.0F);
+    EXPECT_EQ(joinerFileList->front()->endTime, 0.0F);
+}
+
 TEST_F(CutStartTest, start_timesChangedInTheSetting_areTakenAsTheyAreThen) {
     showPanel();
     currentSetting->cutStartTime = 1000.0F;

@@ -135,8 +135,11 @@ TEST_F(JoinStartTest, start_fileExists_isRefusedBeforeTheProgressWindowIsMade) {
 
 TEST_F(JoinStartTest, start_refused_leavesThePanelModeless) {
     auto& panel = makePanel();
+    answerCanJoin(); // which must find the session ended
+    canJoin_ = false;
     fromTheEventLoop([this] { expectRefusal(kNoDirectJoin, "Error"); });
     runModalForWindow(panel.window());
+    EXPECT_EQ(asked_, 1);
     EXPECT_TRUE(panel.window().isVisible());
     EXPECT_EQ(modalWindow(), nullptr);
 }
@@ -202,6 +205,21 @@ TEST_F(JoinStartTest, indirect_start_logsTheSixBoxesOnly) {
     EXPECT_EQ(lines.all(),
               QStringList("\nFormat:Video (*.mp4)\nVideo Quality:300 kbps\nVideo Size:160x120\n"
                           "Frame Rate:25\nAudio Quality:128\nSample Rate:44100"));
+}
+
+TEST_F(JoinStartTest, indirect_start_logsTheSixBoxesBeforeItAsks) {
+    auto& panel = showPanel();
+    selectRow(1);
+    LogLines lines;
+    QStringList before;
+    panel.setFileCanJoinCB([&] {
+        before = lines.all();
+        return true;
+    });
+    lines.clear();
+    expectRefusal(kChooseFolder);
+    ASSERT_EQ(before.size(), 1);
+    EXPECT_TRUE(before[0].startsWith("\nFormat:Video (*.mp4)\n")) << before[0].toStdString();
 }
 
 TEST_F(JoinStartTest, resultPath_direct_hasTheExtensionThatTheCallbackWillGive) {

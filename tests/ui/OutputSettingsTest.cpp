@@ -194,6 +194,16 @@ TYPED_TEST(OutputSettingsTest, profile_typedTextThatNamesNone_leavesTheBoxesEmpt
     EXPECT_EQ(this->choices("mComboBox").size(), 2);
 }
 
+TYPED_TEST(OutputSettingsTest, parameterChoice_again_addsTheChoicesOnceMore) {
+    auto& panel = this->makePanel();
+    panel.window();
+    const QStringList sizes{"320x240", "640x480", "160x120"};
+    ASSERT_EQ(this->choices("mVideoSize"), sizes);
+    panel.parameterChoice("Video (*.mp4)");
+    EXPECT_EQ(this->choices("mVideoSize"), sizes + sizes);
+    EXPECT_EQ(this->box("mVideoSize").currentIndex(), 2);
+}
+
 TYPED_TEST(OutputSettingsTest, profile_visitedWithoutChange_keepsTheParameters) {
     this->showPanel();
     this->selectRow(1);
@@ -271,6 +281,27 @@ TYPED_TEST(OutputSettingsTest, getSetInfo_typedText_countsOnlyAsTheEntryThatItNa
     EXPECT_EQ(currentSetting->vResolution, "");
     EXPECT_EQ(currentSetting->aBitrate, "96");
     EXPECT_EQ(currentSetting->vFrameRate, "30");
+}
+
+TYPED_TEST(OutputSettingsTest, getSetInfo_unknownProfile_takesNoChoicesButTheEncodersBefore) {
+    this->showPanel();
+    this->selectRow(1);
+    this->choose("mComboBox", 1);
+    this->choose("mComboBox", 0);
+    this->typeInto("mComboBox", "film");
+    for (QString NodeSetting::*const field :
+         {&NodeSetting::vResolution, &NodeSetting::vBitrate, &NodeSetting::vFrameRate,
+          &NodeSetting::aSamplerate, &NodeSetting::aBitrate})
+        currentSetting.get()->*field = "before";
+    this->panel_->getSetInfo();
+    EXPECT_EQ(currentSetting->vResolution, "");
+    EXPECT_EQ(currentSetting->vBitrate, "");
+    EXPECT_EQ(currentSetting->vFrameRate, this->isCutter ? "0" : "");
+    EXPECT_EQ(currentSetting->aSamplerate, "");
+    EXPECT_EQ(currentSetting->aBitrate, "");
+    EXPECT_EQ(currentSetting->vEncoder, "H264");
+    EXPECT_EQ(currentSetting->aEncoder, "AAC");
+    EXPECT_EQ(currentSetting->aChannels, "2");
 }
 
 TYPED_TEST(OutputSettingsTest, getSetInfo_choiceOfTheProfileThatReadsLikeTheSourcesRate_isText) {
