@@ -74,6 +74,7 @@ TEST_F(MainSetUpTest, window_hasAllOutlets) {
                                    "mCustomImage",
                                    "mAddFileToolTip",
                                    "mAddFileToolTipJoiner",
+                                   "mBox",
                                    "curView",
                                    "viewCutter",
                                    "viewJoiner",
