@@ -172,8 +172,17 @@ Decoded decode(const std::string& path) {
     return decoded;
 }
 
-Source::Source(const std::string& file)
-    : path(file), video(streamOf(file, "v:0")), pictures(decode(file).pictures),
+Source::Source(const std::string& file) : Source(readOnce(file)) {}
+
+const Source& Source::readOnce(const std::string& file) {
+    static std::map<std::string, Source> known;
+    const auto found = known.find(file);
+    return found != known.end() ? found->second
+                                : known.emplace(file, Source(file, decode(file))).first->second;
+}
+
+Source::Source(const std::string& file, Decoded decoded)
+    : path(file), video(streamOf(file, "v:0")), pictures(std::move(decoded.pictures)),
       delay(video.fields.at("has_b_frames")) {
     const Fraction rate = fractionOf(video.fields.at("r_frame_rate"));
     frameDuration = {rate.den, rate.num};

@@ -24,7 +24,7 @@ struct Decoded {
 };
 Decoded decode(const std::string& path);
 
-/// A file that is copied from.
+/// A file that is copied from. It is read once in a process, so it must stay as it is.
 struct Source {
     explicit Source(const std::string& file);
 
@@ -43,6 +43,9 @@ struct Source {
     std::size_t indexOf(const PacketFacts& packet) const;
 
 private:
+    static const Source& readOnce(const std::string& file);
+    Source(const std::string& file, Decoded decoded);
+
     double shownAt(const PacketFacts& packet) const;
 };
 
