@@ -25,12 +25,14 @@ MediaOperations& load() {
     if (entry == nullptr) {
         endWithoutMedia();
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): a symbol has no type
     return *reinterpret_cast<decltype(&velmoraMediaOperations)>(entry)();
 }
 
 } // namespace
 
 MediaOperations& mediaOperations() {
+    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): there is one module
     static MediaOperations& operations = load();
     return operations;
 }
