@@ -1,11 +1,5 @@
-#include <QApplication>
-#include <gtest/gtest.h>
+#include "TestProgram.h"
 
 int main(int argc, char** argv) {
-    // Tests run without a display, also when they are started by hand.
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    ::testing::InitGoogleTest(&argc, argv);
-    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    const QApplication application(argc, argv);
-    return RUN_ALL_TESTS();
+    return velmora::test::runTests(argc, argv);
 }
