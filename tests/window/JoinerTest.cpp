@@ -187,6 +187,20 @@ TEST_F(JoinerTest, drop_ofWhatIsNoFile_isNotTaken) {
     EXPECT_FALSE(enter.isAccepted());
 }
 
+TEST_F(JoinerTest, drag_goesOnOverTheTable_isTakenAsACopy) {
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(video_)});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(table().viewport(), &enter);
+    QDragMoveEvent move(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &files, Qt::LeftButton,
+                        Qt::NoModifier);
+    move.setDropAction(Qt::MoveAction);
+    move.ignore();
+    QCoreApplication::sendEvent(table().viewport(), &move);
+    EXPECT_TRUE(move.isAccepted());
+    EXPECT_EQ(move.dropAction(), Qt::CopyAction);
+}
+
 TEST_F(JoinerTest, drop_anyOperation_isWelcome) {
     EXPECT_EQ(controller_.tableViewValidateDrop(), 0xFFFFFFFFU);
 }
