@@ -4,12 +4,20 @@
 
 namespace velmora {
 
-/// What became of a packet, and so what the run does next.
+/// What became of a packet, and so what the run does next; from the best to the worst.
 enum class PacketOutcome {
     Done,       ///< go on
     FailedGoOn, ///< the input has failed, but is read to its end
     FailedEnd,  ///< the input has failed and is read no further
 };
+static_assert(PacketOutcome::Done < PacketOutcome::FailedGoOn &&
+              PacketOutcome::FailedGoOn < PacketOutcome::FailedEnd);
+
+/// What two actions on one packet come to. They take place one after the other before: in a call
+/// with both as arguments, the order of the two would be the compiler's choice.
+constexpr PacketOutcome worse(PacketOutcome a, PacketOutcome b) {
+    return a < b ? b : a;
+}
 
 /// What happens to the packets of one stream of one input on their way to the output.
 class PacketHandler {

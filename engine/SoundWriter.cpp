@@ -38,7 +38,9 @@ PacketOutcome SoundWriter::fillUntil(double seconds) {
     auto outcome = PacketOutcome::Done;
     while (outcome == PacketOutcome::Done && !isRaised(stop_) &&
            secondsAfter(encoder_.frameSize()) <= seconds) {
-        outcome = std::max(outcomeOf(encoder_.queueSilence()), encodeWholeChunks());
+        const auto queued = outcomeOf(encoder_.queueSilence());
+        const auto encoded = encodeWholeChunks();
+        outcome = worse(queued, encoded);
     }
     return outcome;
 }
@@ -53,11 +55,12 @@ double SoundWriter::secondsAfter(std::int64_t samples) const {
 PacketOutcome SoundWriter::finish() {
     auto outcome = PacketOutcome::Done;
     while (!encoder_.isEmpty()) {
-        outcome = std::max(outcome, encodeChunk());
+        outcome = worse(outcome, encodeChunk());
     }
     std::vector<PacketHandle> packets;
     const int result = encoder_.drain(packets);
-    return std::max({outcome, write(packets), outcomeOf(result)});
+    outcome = worse(outcome, write(packets));
+    return worse(outcome, outcomeOf(result));
 }
 
 PacketOutcome SoundWriter::encodeWholeChunks() {
@@ -72,13 +75,14 @@ PacketOutcome SoundWriter::encodeWholeChunks() {
 PacketOutcome SoundWriter::encodeChunk() {
     std::vector<PacketHandle> packets;
     const int result = encoder_.encodeChunk(packets);
-    return std::max(write(packets), outcomeOf(result));
+    const auto written = write(packets);
+    return worse(written, outcomeOf(result));
 }
 
 PacketOutcome SoundWriter::write(const std::vector<PacketHandle>& packets) {
     auto outcome = PacketOutcome::Done;
     for (const PacketHandle& packet : packets) {
-        outcome = std::max(outcome, write(*packet));
+        outcome = worse(outcome, write(*packet));
     }
     return outcome;
 }
