@@ -27,8 +27,8 @@ ChannelLayout layoutOf(const AVFrame& sound) {
 } // namespace
 
 AudioTranscoder::AudioTranscoder(AVCodecContext& decoder, SoundWriter writer,
-                                 std::function<double()> picturesEnd)
-    : decoder_(decoder), writer_(std::move(writer)), picturesEnd_(std::move(picturesEnd)) {}
+                                 std::function<double()> drainPictures)
+    : decoder_(decoder), writer_(std::move(writer)), drainPictures_(std::move(drainPictures)) {}
 
 PacketOutcome AudioTranscoder::handle() {
     const PacketHandle packet = std::move(prepared_.front());
@@ -120,10 +120,10 @@ FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
 PacketOutcome AudioTranscoder::finish() {
     prepared_.clear();
     auto outcome = PacketOutcome::Done;
-    if (picturesEnd_ != nullptr) {
-        outcome = writer_.fillUntil(picturesEnd_());
+    if (drainPictures_ != nullptr) {
+        outcome = writer_.fillUntil(drainPictures_());
     }
-    return std::max(outcome, writer_.finish());
+    return worse(outcome, writer_.finish());
 }
 
 } // namespace velmora

@@ -19,10 +19,11 @@ using ResamplerHandle = std::unique_ptr<SwrContext, FreeByAddress<swr_free>>;
 /// writes it.
 class AudioTranscoder : public PacketHandler {
 public:
-    /// `decoder` outlives this object. `picturesEnd` is asked once the input has ended: up to
-    /// there, in seconds of the output, silence follows the sound; without it, none does.
+    /// `decoder` outlives this object. `drainPictures` is called once the input has ended: up
+    /// to what it gives, in seconds of the output, silence follows the sound; without it, none
+    /// does.
     AudioTranscoder(AVCodecContext& decoder, SoundWriter writer,
-                    std::function<double()> picturesEnd);
+                    std::function<double()> drainPictures);
 
     void prepare(PacketHandle packet) override { prepared_.push_back(std::move(packet)); }
     PacketOutcome handle() override;
@@ -35,7 +36,7 @@ private:
 
     AVCodecContext& decoder_;
     SoundWriter writer_;
-    std::function<double()> picturesEnd_;
+    std::function<double()> drainPictures_;
     std::deque<PacketHandle> prepared_;
     ResamplerHandle resampler_; ///< null: the sound has the encoder's format
     ChannelLayout inputLayout_;

@@ -8,6 +8,12 @@
 
 namespace velmora {
 
+/// What the packets of one input's streams go to; null: they are left out.
+struct InputHandlers {
+    std::unique_ptr<PacketHandler> video;
+    std::unique_ptr<PacketHandler> audio; ///< may ask the pictures where they end, so it goes first
+};
+
 /// How the streams of a job's inputs become those of its output: copied or re-encoded. Lives from
 /// the first input to the last. The first input creates the output's streams, later ones find them
 /// there.
@@ -18,15 +24,10 @@ public:
     Conversion& operator=(const Conversion&) = delete;
     virtual ~Conversion() = default;
 
-    /// Sets `handler` to what the packets of the input's video or audio stream go to; null when
-    /// they are left out. The input has such a stream, and its decoders have been opened where
-    /// they could be. 0 or a negative libav error code: the input fails.
-    virtual int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
-                           std::unique_ptr<PacketHandler>& handler) = 0;
-    virtual int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
-                           std::unique_ptr<PacketHandler>& handler) = 0;
-    /// Both have been set up.
-    virtual void setUpDone(InputMedia& input) = 0;
+    /// Prepares for the packets of an input whose decoders have been opened where they could be. 0
+    /// or a negative libav error code: the input fails, and `handlers` are not to be used.
+    virtual int setUp(InputMedia& input, OutputMedia& output, bool isFirst,
+                      InputHandlers& handlers) = 0;
 
     /// How many packets are worth preparing before the first of them is handled.
     virtual std::size_t readAhead() const = 0;

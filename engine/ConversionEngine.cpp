@@ -1,6 +1,7 @@
 #include "ConversionEngine.h"
 
 #include "HeapSettings.h"
+#include "Job.h"
 #include "MediaOperations.h"
 
 #include <algorithm>
@@ -49,7 +50,11 @@ std::int32_t ConversionEngine::probe() {
 }
 
 void ConversionEngine::run() {
-    mediaOperations().run(*this);
+    run(Job(*this));
+}
+
+void ConversionEngine::run(const Job& job) {
+    mediaOperations().run(job, *this);
 }
 
 std::int32_t ConversionEngine::snapshot() {

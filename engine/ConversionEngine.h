@@ -17,6 +17,8 @@ struct AVFrame;
 
 namespace velmora {
 
+struct Job;
+
 /// A table of byte strings; each row is read up to its first NUL.
 using StringTable = std::vector<std::string>;
 
@@ -32,8 +34,9 @@ using PictureHandle = std::unique_ptr<AVFrame, FreePicture>;
 /// states, never by exceptions; their causes go to the log.
 ///
 /// Threads: `run` works on a thread of its own; everything else belongs to the main thread. A run
-/// takes a copy of what it reads, so the main thread may probe and preview meanwhile. Only the
-/// atomic fields are read and written by both.
+/// gets a copy of what it reads, made before its thread is started, so the main thread may probe
+/// and preview meanwhile. Only the atomic fields are read and written by both, and
+/// `videoFrameRate`, which a run may replace: it is not to be read or written while one goes on.
 class ConversionEngine {
 public:
     /// A job holds at most this many inputs.
@@ -64,6 +67,9 @@ public:
     std::int32_t probe();
     /// Carries out the job in the table. Blocks until it has ended or has been stopped.
     void run();
+    /// Carries out a job that was copied from the table before; the table's plain fields are not
+    /// read. For a thread of its own. Blocks until the job has ended or has been stopped.
+    void run(const Job& job);
     /// Writes the first picture found at `startTimes`[`currentIndex`] of `probePath` to
     /// `snapshotPath`, 320 x 240. 0, or the libraries' negative code when the file cannot be opened
     /// or read. Blocks. The file stays open for the next picture until another one is asked for.

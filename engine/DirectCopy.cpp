@@ -4,9 +4,10 @@
 #include "StreamCopier.h"
 
 namespace velmora {
+namespace {
 
-int DirectCopy::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
-                           std::unique_ptr<PacketHandler>& handler) {
+int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
+               std::unique_ptr<PacketHandler>& handler) {
     AVStream& source = *input.videoStream();
     if (isFirst) {
         const AVRational rate = correctedFrameRate(source.r_frame_rate);
@@ -30,8 +31,8 @@ int DirectCopy::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
     return result;
 }
 
-int DirectCopy::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
-                           std::unique_ptr<PacketHandler>& handler) {
+int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
+               std::unique_ptr<PacketHandler>& handler) {
     AVStream& source = *input.audioStream();
     if (isFirst) {
         OutputStream* added = output.addAudioStream({1, source.codecpar->sample_rate});
@@ -46,6 +47,21 @@ int DirectCopy::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
     }
     handler = std::make_unique<AudioCopier>(output, *output.audioStream(), source);
     return 0;
+}
+
+} // namespace
+
+int DirectCopy::setUp(InputMedia& input, OutputMedia& output, bool isFirst,
+                      InputHandlers& handlers) {
+    int result = 0;
+    if (input.videoStream() != nullptr) {
+        result = setUpVideo(input, output, isFirst, handlers.video);
+    }
+    if (result >= 0 && input.audioStream() != nullptr) {
+        result = setUpAudio(input, output, isFirst, handlers.audio);
+    }
+    input.closeDecoders(); // a copy only has to know that they open
+    return result;
 }
 
 } // namespace velmora

@@ -7,12 +7,8 @@ namespace velmora {
 /// Packets are copied as they are.
 class DirectCopy : public Conversion {
 public:
-    int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
-                   std::unique_ptr<PacketHandler>& handler) override;
-    int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
-                   std::unique_ptr<PacketHandler>& handler) override;
-    /// A copy only has to know that the decoders open.
-    void setUpDone(InputMedia& input) override { input.closeDecoders(); }
+    int setUp(InputMedia& input, OutputMedia& output, bool isFirst,
+              InputHandlers& handlers) override;
     std::size_t readAhead() const override { return 1; }
 };
 

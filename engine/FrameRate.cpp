@@ -39,14 +39,13 @@ AVRational sourceFrameDuration(AVRational sourceRate, AVCodecID codec) {
 
 } // namespace
 
-AVRational encodedFrameDuration(double& frameRate, AVRational sourceRate, AVCodecID codec) {
-    AVRational duration = av_inv_q(sourceRate);
-    if (frameRate == 0.0) {
-        duration = sourceFrameDuration(sourceRate, codec);
-        frameRate = wholeFrameRate(sourceRate);
+AVRational encodedFrameDuration(double frameRate, AVRational sourceRate, AVCodecID codec) {
+    const auto* const offered = std::ranges::find(
+        kOfferedRates, encodedFrameRate(frameRate, sourceRate), &RateEntry::frameRate);
+    if (offered != kOfferedRates.end()) {
+        return offered->duration;
     }
-    const auto* const offered = std::ranges::find(kOfferedRates, frameRate, &RateEntry::frameRate);
-    return offered != kOfferedRates.end() ? offered->duration : duration;
+    return frameRate == 0.0 ? sourceFrameDuration(sourceRate, codec) : av_inv_q(sourceRate);
 }
 
 } // namespace velmora

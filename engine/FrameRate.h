@@ -18,9 +18,14 @@ inline AVRational correctedFrameRate(AVRational rate) {
     return wholeFrameRate(rate) > 1000 ? AVRational{rate.num, 1001} : rate;
 }
 
-/// The duration of a picture, in seconds, in an output of `frameRate` pictures per second. 0.0
-/// stands for the source's rate and is replaced by it, divided as integers. Rates that no profile
-/// offers give the source's own duration.
-AVRational encodedFrameDuration(double& frameRate, AVRational sourceRate, AVCodecID codec);
+/// The rate of an output for which `frameRate` pictures per second are asked; 0.0 stands for the
+/// source's, divided as integers.
+inline double encodedFrameRate(double frameRate, AVRational sourceRate) {
+    return frameRate == 0.0 ? wholeFrameRate(sourceRate) : frameRate;
+}
+
+/// The duration of a picture, in seconds, in such an output. Rates that no profile offers give the
+/// source's own duration.
+AVRational encodedFrameDuration(double frameRate, AVRational sourceRate, AVCodecID codec);
 
 } // namespace velmora

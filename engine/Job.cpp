@@ -2,6 +2,8 @@
 
 #include "ConversionEngine.h"
 
+#include <algorithm>
+
 namespace velmora {
 namespace {
 
@@ -13,16 +15,20 @@ std::string rowOf(const StringTable& table, std::size_t index) {
 } // namespace
 
 Job::Job(const ConversionEngine& engine)
-    : video{.codec = static_cast<AVCodecID>(engine.videoCodecId),
-            .bitRate = engine.videoBitRate,
-            .width = engine.videoWidth,
-            .height = engine.videoHeight},
+    : inputCount(std::max(engine.inputCount, 0)), video{.codec = static_cast<AVCodecID>(
+                                                            engine.videoCodecId),
+                                                        .bitRate = engine.videoBitRate,
+                                                        .width = engine.videoWidth,
+                                                        .height = engine.videoHeight,
+                                                        .frameRate = engine.videoFrameRate},
       audio{.codec = static_cast<AVCodecID>(engine.audioCodecId),
             .bitRate = engine.audioBitRate,
             .sampleRate = engine.audioSampleRate,
             .channels = engine.audioChannels},
       joins(engine.joinMode != 0), reencodes(engine.reencode != 0) {
-    for (std::size_t i = 0; i < static_cast<std::size_t>(engine.inputCount); ++i) {
+    const std::size_t rows =
+        std::min(static_cast<std::size_t>(inputCount), ConversionEngine::kMaxInputs);
+    for (std::size_t i = 0; i < rows; ++i) {
         inputPaths.push_back(rowOf(engine.inputPaths, i));
         outputPaths.push_back(rowOf(engine.outputPaths, i));
         startSeconds.push_back(engine.startTimes[i]);

@@ -16,7 +16,7 @@ public:
     LibavOperations() { routeLibraryLog(); }
 
     std::int32_t probe(ConversionEngine& engine) override { return velmora::probe(engine); }
-    void run(ConversionEngine& engine) override { velmora::run(engine); }
+    void run(const Job& job, ConversionEngine& engine) override { velmora::run(job, engine); }
     std::int32_t snapshot(ConversionEngine& engine) override;
     const char* codecName(std::int32_t codecId) override {
         return avcodec_get_name(static_cast<AVCodecID>(codecId));

@@ -7,6 +7,7 @@
 namespace velmora {
 
 class ConversionEngine;
+struct Job;
 
 /// What the engine does with the media libraries. Apart from the engine's state, so that a program
 /// can have its windows on screen before it loads those libraries, which takes longer than
@@ -17,7 +18,7 @@ public:
 
     /// See ConversionEngine.
     virtual std::int32_t probe(ConversionEngine& engine) = 0;
-    virtual void run(ConversionEngine& engine) = 0;
+    virtual void run(const Job& job, ConversionEngine& engine) = 0;
     virtual std::int32_t snapshot(ConversionEngine& engine) = 0;
 
     /// libavcodec's name of an AVCodecID; lives as long as the process.

@@ -14,6 +14,7 @@ struct VideoSettings {
     std::int64_t bitRate = 0; ///< bit/s
     int width = 0;            ///< pixels
     int height = 0;           ///< pixels
+    double frameRate = 0.0;   ///< pictures per second; 0.0: as the source
 };
 
 /// What the sound of a re-encoded output is to be.

@@ -28,9 +28,28 @@ std::size_t readAheadFor(const AVCodecContext& decoder) {
 
 } // namespace
 
+int Reencoding::setUp(InputMedia& input, OutputMedia& output, bool isFirst,
+                      InputHandlers& handlers) {
+    std::unique_ptr<VideoTranscoder> pictures;
+    int result = 0;
+    if (input.videoStream() != nullptr) {
+        result = setUpVideo(input, output, isFirst, pictures);
+    }
+    if (result >= 0 && input.audioDecoder() != nullptr) {
+        result = setUpAudio(input, output, isFirst, pictures.get(), handlers.audio);
+    }
+    if (result < 0) {
+        return result;
+    }
+    if (pictures != nullptr && needsSilence(input, output, isFirst)) {
+        return setUpSilence(input, output, isFirst, std::move(pictures), handlers.video);
+    }
+    handlers.video = std::move(pictures);
+    return 0;
+}
+
 int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
-                           std::unique_ptr<PacketHandler>& handler) {
-    pictures_ = nullptr;
+                           std::unique_ptr<VideoTranscoder>& pictures) {
     if (isFirst) {
         if (const int result = addVideo(input, output); result < 0) {
             logFailure(input.path(), "open video encoder", result);
@@ -38,13 +57,14 @@ int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
         }
     }
     readAhead_ = readAheadFor(*input.videoDecoder());
-    auto pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
-                                                      *input.videoDecoder(), encoder_, timing_);
-    if (!needsSilence(input, output, isFirst)) {
-        pictures_ = pictures.get();
-        handler = std::move(pictures);
-        return 0;
-    }
+    pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
+                                                 *input.videoDecoder(), encoder_, timing_);
+    return 0;
+}
+
+int Reencoding::setUpSilence(InputMedia& input, OutputMedia& output, bool isFirst,
+                             std::unique_ptr<VideoTranscoder> pictures,
+                             std::unique_ptr<PacketHandler>& handler) {
     AudioEncoder silence;
     int result = silence.open(audio_, output.format());
     if (result >= 0 && isFirst) {
@@ -72,7 +92,7 @@ SoundWriter Reencoding::writerOf(AudioEncoder encoder, OutputMedia& output) cons
 int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
     const AVStream& source = *input.videoStream();
     const AVRational rate = correctedFrameRate(source.r_frame_rate);
-    const AVRational duration = encodedFrameDuration(frameRate_, rate, video_.codec);
+    const AVRational duration = encodedFrameDuration(video_.frameRate, rate, video_.codec);
     if (duration.num <= 0 || duration.den <= 0) {
         return AVERROR_INVALIDDATA;
     }
@@ -90,10 +110,7 @@ int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
 }
 
 int Reencoding::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
-                           std::unique_ptr<PacketHandler>& handler) {
-    if (input.audioDecoder() == nullptr) {
-        return 0;
-    }
+                           VideoTranscoder* pictures, std::unique_ptr<PacketHandler>& handler) {
     if (!isFirst && output.audioStream() == nullptr) {
         return AVERROR_STREAM_NOT_FOUND;
     }
@@ -106,12 +123,12 @@ int Reencoding::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
         logFailure(input.path(), "open audio encoder", result);
         return result;
     }
-    std::function<double()> picturesEnd;
-    if (timing_ == Timing::Join && pictures_ != nullptr) {
-        picturesEnd = [pictures = pictures_] { return pictures->endSeconds(); };
+    std::function<double()> drainPictures;
+    if (timing_ == Timing::Join && pictures != nullptr) {
+        drainPictures = [pictures] { return pictures->drain(); };
     }
     handler = std::make_unique<AudioTranscoder>(
-        *input.audioDecoder(), writerOf(std::move(encoder), output), std::move(picturesEnd));
+        *input.audioDecoder(), writerOf(std::move(encoder), output), std::move(drainPictures));
     return 0;
 }
 

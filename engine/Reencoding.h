@@ -17,21 +17,24 @@ class VideoTranscoder;
 /// next starts with its pictures.
 class Reencoding : public Conversion {
 public:
-    /// `frameRate` becomes the source's where the settings ask for that. Once `stop` is raised no
-    /// silence is added any more.
+    /// Once `stop` is raised no silence is added any more.
     Reencoding(const VideoSettings& video, const AudioSettings& audio, Timing timing,
-               double& frameRate, const StopFlag* stop)
-        : video_(video), audio_(audio), timing_(timing), frameRate_(frameRate), stop_(stop) {}
+               const StopFlag* stop)
+        : video_(video), audio_(audio), timing_(timing), stop_(stop) {}
 
-    int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
-                   std::unique_ptr<PacketHandler>& handler) override;
-    /// Sound that cannot be decoded is left out of a cut; in a join, silence has replaced it.
-    int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
-                   std::unique_ptr<PacketHandler>& handler) override;
-    void setUpDone(InputMedia& /*input*/) override { pictures_ = nullptr; }
+    /// Sound that cannot be decoded is left out of a cut; in a join, silence replaces it.
+    int setUp(InputMedia& input, OutputMedia& output, bool isFirst,
+              InputHandlers& handlers) override;
     std::size_t readAhead() const override { return readAhead_; }
 
 private:
+    int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
+                   std::unique_ptr<VideoTranscoder>& pictures);
+    int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst, VideoTranscoder* pictures,
+                   std::unique_ptr<PacketHandler>& handler);
+    int setUpSilence(InputMedia& input, OutputMedia& output, bool isFirst,
+                     std::unique_ptr<VideoTranscoder> pictures,
+                     std::unique_ptr<PacketHandler>& handler);
     int addVideo(InputMedia& input, OutputMedia& output);
     int addAudio(const AudioEncoder& encoder, const AVStream& source, OutputMedia& output) const;
     bool needsSilence(const InputMedia& input, OutputMedia& output, bool isFirst) const;
@@ -40,10 +43,8 @@ private:
     const VideoSettings video_;
     const AudioSettings audio_;
     const Timing timing_;
-    double& frameRate_; ///< pictures per second; 0.0: as the source
     const StopFlag* stop_;
     VideoEncoder encoder_;
-    VideoTranscoder* pictures_ = nullptr; ///< of the input that is being set up; null: none
     std::size_t readAhead_ = 1;
 };
 

@@ -4,6 +4,7 @@
 #include "DirectCopy.h"
 #include "EngineLog.h"
 #include "FileIdentity.h"
+#include "FrameRate.h"
 #include "InputMedia.h"
 #include "Job.h"
 #include "OutputMedia.h"
@@ -26,22 +27,21 @@ constexpr std::size_t kSpareUnits = 4;
 /// How the work on one input ended, or that it goes on.
 enum class Step { Continue, InputFailed, RunEnds };
 
-std::unique_ptr<Conversion> makeConversion(const Job& job, ConversionEngine& engine) {
+std::unique_ptr<Conversion> makeConversion(const Job& job, const StopFlag& stop) {
     if (!job.reencodes) {
         return std::make_unique<DirectCopy>();
     }
     const Timing timing = job.joins ? Timing::Join : Timing::Cut;
-    return std::make_unique<Reencoding>(job.video, job.audio, timing, engine.videoFrameRate,
-                                        &engine.stopRequested);
+    return std::make_unique<Reencoding>(job.video, job.audio, timing, &stop);
 }
 
 /// Works through the inputs of one job. Owns what is open: the input in hand, until the next, and
 /// the output, until the end.
 class JobRun {
 public:
-    explicit JobRun(ConversionEngine& engine)
-        : engine_(engine), job_(engine), count_(job_.inputPaths.size()),
-          conversion_(makeConversion(job_, engine)) {}
+    JobRun(const Job& job, ConversionEngine& engine)
+        : engine_(engine), job_(job), count_(job.inputPaths.size()),
+          conversion_(makeConversion(job, engine.stopRequested)) {}
 
     void execute();
 
@@ -56,13 +56,13 @@ private:
 
     void seekToStart();
     void handlePackets();
-    bool isSureToBeHandled();
+    bool isSureToBeHandled() const;
     bool readPacket();
     void prepareLast();
-    bool reachedEnd();
-    void updatePercent();
+    bool reachedEnd() const;
+    void tellProgress();
     PacketHandler* handlerOf(const AVPacket& packet) const;
-    bool goesOn(PacketOutcome outcome);
+    void note(PacketOutcome outcome);
     void finishHandlers();
 
     void finishOutput();
@@ -72,7 +72,7 @@ private:
     void setState(ConversionEngine::FileState state) { engine_.fileStates[index_] = state; }
 
     ConversionEngine& engine_;
-    const Job job_;
+    const Job& job_;
     const std::size_t count_;
     std::size_t index_ = 0;
     std::optional<OutputMedia> output_;
@@ -86,8 +86,7 @@ private:
     };
     std::deque<DuePacket> due_;
     bool inputEnded_ = false;
-    std::unique_ptr<PacketHandler> video_;
-    std::unique_ptr<PacketHandler> audio_;
+    InputHandlers handlers_;
 };
 
 void JobRun::execute() {
@@ -115,8 +114,7 @@ void JobRun::execute() {
 }
 
 Step JobRun::processInput() {
-    video_.reset();
-    audio_.reset();
+    handlers_ = {};
     packets_.reset();
     input_.reset();
     if (isStopped()) {
@@ -178,18 +176,15 @@ Step JobRun::createOutput() {
 }
 
 Step JobRun::setUpStreams() {
-    int result = 0;
-    if (input_->videoStream() != nullptr) {
-        result = conversion_->setUpVideo(*input_, *output_, isFirst(), video_);
+    if (isFirst() && job_.reencodes) {
+        engine_.videoFrameRate = encodedFrameRate(
+            job_.video.frameRate, correctedFrameRate(input_->videoStream()->r_frame_rate));
     }
-    if (result >= 0 && input_->audioStream() != nullptr) {
-        result = conversion_->setUpAudio(*input_, *output_, isFirst(), audio_);
-    }
+    const int result = conversion_->setUp(*input_, *output_, isFirst(), handlers_);
     if (result < 0) {
         logFailure(input_->path(), "set up streams", result);
         return Step::InputFailed;
     }
-    conversion_->setUpDone(*input_);
     return Step::Continue;
 }
 
@@ -237,21 +232,25 @@ void JobRun::handlePackets() {
         if ((!prepared && !readPacket()) || isStopped() || reachedEnd()) {
             return;
         }
-        updatePercent();
+        tellProgress();
         if (!prepared) {
             prepareLast();
         }
         PacketHandler* handler = due_.front().handler;
         due_.pop_front();
-        if (handler != nullptr && !goesOn(handler->handle())) {
-            return;
+        if (handler != nullptr) {
+            const PacketOutcome outcome = handler->handle();
+            note(outcome);
+            if (outcome == PacketOutcome::FailedEnd) {
+                return;
+            }
         }
     }
 }
 
 /// Whether the packet after those that are due will be handled, however many pictures come of them:
 /// a cut may end before. What is prepared in vain would leave the decoder in another state.
-bool JobRun::isSureToBeHandled() {
+bool JobRun::isSureToBeHandled() const {
     if (job_.joins) {
         return true;
     }
@@ -277,40 +276,38 @@ void JobRun::prepareLast() {
     }
 }
 
-bool JobRun::reachedEnd() {
+bool JobRun::reachedEnd() const {
+    return !job_.joins && output_->videoSeconds() >= job_.spanSeconds[index_];
+}
+
+void JobRun::tellProgress() {
     const double span = job_.spanSeconds[index_];
     if (job_.joins) {
         engine_.spans[index_] = span;
-        return false;
     }
-    return output_->videoSeconds() >= span;
-}
-
-void JobRun::updatePercent() {
     const double written = std::max(output_->audioSeconds(), output_->videoSeconds());
     // Whatever has been written of a job of no length is all of it; nothing written is nothing.
-    const double percent = written > 0 ? written * 100.0 / job_.spanSeconds[index_] : 0.0;
+    const double percent = written > 0 ? written * 100.0 / span : 0.0;
     engine_.currentPercent = percent < 100.0 ? static_cast<int>(std::max(percent, 0.0)) : 100;
 }
 
 PacketHandler* JobRun::handlerOf(const AVPacket& packet) const {
     if (packet.stream_index == input_->videoStreamIndex()) {
-        return video_.get();
+        return handlers_.video.get();
     }
-    return packet.stream_index == input_->audioStreamIndex() ? audio_.get() : nullptr;
+    return packet.stream_index == input_->audioStreamIndex() ? handlers_.audio.get() : nullptr;
 }
 
-bool JobRun::goesOn(PacketOutcome outcome) {
-    if (outcome == PacketOutcome::FailedGoOn || outcome == PacketOutcome::FailedEnd) {
+void JobRun::note(PacketOutcome outcome) {
+    if (outcome != PacketOutcome::Done) {
         setState(ConversionEngine::Failed);
     }
-    return outcome == PacketOutcome::Done || outcome == PacketOutcome::FailedGoOn;
 }
 
 void JobRun::finishHandlers() {
-    for (PacketHandler* handler : {audio_.get(), video_.get()}) {
+    for (PacketHandler* handler : {handlers_.audio.get(), handlers_.video.get()}) {
         if (handler != nullptr) {
-            goesOn(handler->finish());
+            note(handler->finish());
         }
     }
 }
@@ -321,44 +318,44 @@ void JobRun::finishOutput() {
     }
 }
 
-void refuse(ConversionEngine& engine) {
-    av_log(nullptr, AV_LOG_ERROR, "a job of %d inputs is larger than %zu\n", engine.inputCount,
+void refuse(const Job& job, ConversionEngine& engine) {
+    av_log(nullptr, AV_LOG_ERROR, "a job of %d inputs is larger than %zu\n", job.inputCount,
            ConversionEngine::kMaxInputs);
     for (auto& state : engine.fileStates) {
         state = ConversionEngine::Failed;
     }
-    engine.currentIndex = engine.inputCount;
+    engine.currentIndex = job.inputCount;
 }
 
 // Without memory or threads there is nothing to go on with.
-void execute(ConversionEngine& engine) {
+void execute(const Job& job, ConversionEngine& engine) {
     try {
-        JobRun(engine).execute();
+        JobRun(job, engine).execute();
     } catch (const std::exception& failure) {
         av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());
-        for (std::int32_t i = 0; i < engine.inputCount; ++i) {
+        for (std::int32_t i = 0; i < job.inputCount; ++i) {
             std::uint8_t pending = ConversionEngine::Pending;
             engine.fileStates[static_cast<std::size_t>(i)].compare_exchange_strong(
                 pending, ConversionEngine::Failed);
         }
-        engine.currentIndex = engine.inputCount;
+        engine.currentIndex = job.inputCount;
     }
 }
 
 } // namespace
 
-void run(ConversionEngine& engine) {
+void run(const Job& job, ConversionEngine& engine) {
     engine.currentPercent = 0;
     engine.currentIndex = 0;
-    if (engine.inputCount > static_cast<std::int32_t>(ConversionEngine::kMaxInputs)) {
-        refuse(engine);
+    if (job.inputCount > static_cast<std::int32_t>(ConversionEngine::kMaxInputs)) {
+        refuse(job, engine);
         return;
     }
-    for (std::int32_t i = 0; i < engine.inputCount; ++i) {
+    for (std::int32_t i = 0; i < job.inputCount; ++i) {
         engine.fileStates[static_cast<std::size_t>(i)] = ConversionEngine::Pending;
     }
-    if (engine.inputCount > 0) {
-        execute(engine);
+    if (job.inputCount > 0) {
+        execute(job, engine);
     }
 }
 

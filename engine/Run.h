@@ -3,8 +3,9 @@
 namespace velmora {
 
 class ConversionEngine;
+struct Job;
 
-/// See ConversionEngine::run.
-void run(ConversionEngine& engine);
+/// See ConversionEngine::run. Of `engine`, only what a run may write while others use it.
+void run(const Job& job, ConversionEngine& engine);
 
 } // namespace velmora

@@ -100,7 +100,11 @@ int Snapshot::take(const std::string& path, double& startSeconds, const std::str
         return result;
     }
     av_log(nullptr, AV_LOG_INFO, "video index:%d\n", input_->videoStreamIndex());
-    if (input_->videoStream() == nullptr || isWritten(startSeconds, picturePath)) {
+    if (input_->videoStream() == nullptr) {
+        return 0;
+    }
+    if (const auto foundSeconds = foundSecondsOfWritten(startSeconds, picturePath)) {
+        startSeconds = *foundSeconds;
         return 0;
     }
     written_.reset();
@@ -150,14 +154,13 @@ int Snapshot::open(const std::string& path) {
     return 0;
 }
 
-bool Snapshot::isWritten(double& startSeconds, const std::string& picturePath) const {
-    const bool is = written_ && written_->source == input_->identity() &&
-                    written_->askedSeconds == startSeconds &&
-                    FileIdentity::ofPath(picturePath) == written_->picture;
-    if (is) {
-        startSeconds = written_->foundSeconds;
-    }
-    return is;
+/// Nothing when the picture at `askedSeconds` is not what `picturePath` holds.
+std::optional<double> Snapshot::foundSecondsOfWritten(double askedSeconds,
+                                                      const std::string& picturePath) const {
+    const bool isWritten = written_ && written_->source == input_->identity() &&
+                           written_->askedSeconds == askedSeconds &&
+                           FileIdentity::ofPath(picturePath) == written_->picture;
+    return isWritten ? std::optional(written_->foundSeconds) : std::nullopt;
 }
 
 int Snapshot::findPicture(double& startSeconds, FrameHandle& picture) {

@@ -40,7 +40,8 @@ private:
 
     int keepOrOpen(const std::string& path);
     int open(const std::string& path);
-    bool isWritten(double& startSeconds, const std::string& picturePath) const;
+    std::optional<double> foundSecondsOfWritten(double askedSeconds,
+                                                const std::string& picturePath) const;
     int findPicture(double& startSeconds, FrameHandle& picture);
     int goTo(double& startSeconds);
 

@@ -28,7 +28,7 @@ PacketOutcome VideoTranscoder::handle() {
     return write(*work);
 }
 
-double VideoTranscoder::endSeconds() {
+double VideoTranscoder::drain() {
     return output_.videoSecondsAfter(static_cast<std::int64_t>(drained().encoded.size()));
 }
 
@@ -36,7 +36,7 @@ PacketOutcome VideoTranscoder::finish() {
     const Work& work = drained();
     auto outcome = wholeness(work);
     for (const PacketHandle& packet : work.encoded) { // also after one that could not be written
-        outcome = std::max(outcome, write(*packet));
+        outcome = worse(outcome, write(*packet));
     }
     return outcome;
 }

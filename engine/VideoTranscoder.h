@@ -30,8 +30,9 @@ public:
     PacketOutcome handle() override;
     PacketOutcome finish() override;
 
-    /// Where the output's pictures will end, seconds. No packet of this input follows.
-    double endSeconds();
+    /// Takes what the decoder still holds; no packet of this input follows. Where the output's
+    /// pictures will end, seconds.
+    double drain();
 
 private:
     /// One packet, or the end of the stream, on its way through decoder and encoder.

@@ -1,6 +1,7 @@
 #include "ConversionRun.h"
 
 #include "ConversionEngine.h"
+#include "Job.h"
 #include "PlatformLog.h"
 
 #include <exception>
@@ -26,16 +27,23 @@ const ConversionRun* ConversionRun::inProgress() {
 
 void ConversionRun::start() {
     latest_ = this;
+    // Before there is a thread: whatever is probed from now on writes to the same tables.
+    ConverterThread::fill(request_);
+    ConversionEngine& engine = ConversionEngine::instance();
     try {
-        worker_ = std::thread([this] { ConverterThread::beginConverter(request_, marks_); });
+        worker_ = std::thread([this, &engine, job = Job(engine)] {
+            engine.run(job);
+            ended_ = true;
+        });
     } catch (const std::exception& failure) {
         platformLog(QString("the run cannot be started: %1").arg(failure.what()));
-        marks_.ended = true;
+        latest_ = nullptr; // the engine is free, and has the results of the run before
+        ended_ = true;
     }
 }
 
 void ConversionRun::cancel() {
-    marks_.cancelled = true;
+    cancelled_ = true;
     ConversionEngine::instance().stopRequested = 1;
 }
 

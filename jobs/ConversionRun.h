@@ -3,6 +3,7 @@
 #include "ConverterThread.h"
 #include "SharedState.h"
 
+#include <atomic>
 #include <thread>
 
 namespace velmora {
@@ -21,7 +22,7 @@ public:
     /// The run that the engine is busy with; null when it is free.
     static const ConversionRun* inProgress();
 
-    /// Starts the worker. The engine must be free.
+    /// Fills the engine's tables and starts the worker. The engine must be free.
     void start();
     /// Asks the worker to stop as soon as it can.
     void cancel();
@@ -29,14 +30,12 @@ public:
     /// The items that the results are for.
     const FileList& items() const { return items_; }
     bool joins() const { return request_.job.isCutter == 0; }
-    /// Whether no other run has been started since.
+    /// Whether the engine's counters are those of this run: no other has been started since.
     bool isLatest() const { return latest_ == this; }
-    /// Whether the engine's counters are those of this run.
-    bool hasBegun() const { return marks_.begun; }
     /// Whether the worker is done. Counters read afterwards are final.
-    bool hasEnded() const { return marks_.ended; }
+    bool hasEnded() const { return ended_; }
     /// Whether nothing more is to come of it: it has been cancelled and the worker is done.
-    bool isSettled() const { return marks_.cancelled && marks_.ended; }
+    bool isSettled() const { return cancelled_ && ended_; }
 
 private:
     // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): there is one engine
@@ -44,7 +43,8 @@ private:
 
     FileList items_;
     RunRequest request_;
-    RunMarks marks_;
+    bool cancelled_ = false;
+    std::atomic<bool> ended_{false}; ///< set by the worker when it touches nothing any more
     std::thread worker_;
 };
 

@@ -149,10 +149,9 @@ FileList ConverterController::items() const {
     return sharedFileList ? *sharedFileList : FileList();
 }
 
-/// Until a run has begun, the counters are those of the run before; later on, another one may have
-/// taken them over.
+/// Another run may have taken the counters over.
 bool ConverterController::countersAreOurs() const {
-    return !run_ || (run_->hasBegun() && run_->isLatest());
+    return !run_ || run_->isLatest();
 }
 
 void ConverterController::showStart() {

@@ -126,7 +126,7 @@ void Filling::fillAudio() {
         QString("bitrate:%1, ch:%2, sample:%3 encoder:%4")
             .arg(setting.aBitrate, setting.aChannels, setting.aSamplerate, setting.aEncoder));
     engine_.audioCodecId = codecNamed(kAudioEncoders, setting.aEncoder)
-                               .value_or(static_cast<AVCodecID>(engine_.audioCodecId));
+                               .value_or(static_cast<AVCodecID>(request_.audioCodecId));
 }
 
 void Filling::fillVideo() {
@@ -138,16 +138,21 @@ void Filling::fillVideo() {
     platformLog(QString::asprintf("vbitrate:%d, framerate:%f, width:%d height:%d",
                                   engine_.videoBitRate, engine_.videoFrameRate, engine_.videoWidth,
                                   engine_.videoHeight));
-    if (const auto codec = codecNamed(kVideoEncoders, setting.vEncoder)) {
-        engine_.videoCodecId = *codec;
+    const auto codec = codecNamed(kVideoEncoders, setting.vEncoder);
+    engine_.videoCodecId = codec.value_or(static_cast<AVCodecID>(request_.videoCodecId));
+    if (codec)
         engine_.videoCodecChosen = 1;
-    }
 }
 
 } // namespace
 
 RunRequest RunRequest::of(const ConverterInfo& job) {
-    RunRequest request{.job = job, .items = {}, .setting = {}};
+    const ConversionEngine& engine = ConversionEngine::instance();
+    RunRequest request{.job = job,
+                       .items = {},
+                       .setting = {},
+                       .videoCodecId = engine.videoCodecId,
+                       .audioCodecId = engine.audioCodecId};
     const std::int32_t count = CommonAction::getSeleteCount();
     for (std::int32_t i = 0; i < count; ++i)
         request.items.push_back(*CommonAction::getSeleteObject(i));
@@ -157,11 +162,11 @@ RunRequest RunRequest::of(const ConverterInfo& job) {
 }
 
 void ConverterThread::beginConverter(const ConverterInfo& job) {
-    RunMarks marks;
-    beginConverter(RunRequest::of(job), marks);
+    fill(RunRequest::of(job));
+    ConversionEngine::instance().run();
 }
 
-void ConverterThread::beginConverter(const RunRequest& request, RunMarks& marks) {
+void ConverterThread::fill(const RunRequest& request) {
     const ConverterInfo& job = request.job;
     platformLog(
         QString("uuuuuuuuu(path:%1 %2)").arg(job.fullPath, QString::number(job.isDirectly)));
@@ -172,11 +177,6 @@ void ConverterThread::beginConverter(const RunRequest& request, RunMarks& marks)
     engine.currentPercent = 0;
     engine.joinMode = job.isCutter == 0 ? 1 : 0;
     engine.reencode = job.isDirectly == 0 ? 1 : 0;
-    marks.begun = true;
-    if (marks.cancelled) // its request to stop may have come before it was cleared above
-        engine.stopRequested = 1;
-    engine.run();
-    marks.ended = true;
 }
 
 void ConverterThread::copyProbeToSetting() {

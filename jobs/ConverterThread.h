@@ -6,27 +6,22 @@
 
 #include <QString>
 
-#include <atomic>
 #include <cstdint>
 #include <vector>
 
 namespace velmora {
 
-/// All that a run reads of the program's state, as copies: the windows may go on changing theirs.
+/// All that a run reads of the program's state, as copies: the windows may go on changing theirs,
+/// and what they probe changes the engine's codecs.
 struct RunRequest {
     ConverterInfo job;
     std::vector<NodeInfo> items;
     NodeSetting setting;
+    std::int32_t videoCodecId = 0; ///< an AVCodecID, where the setting's name selects none
+    std::int32_t audioCodecId = 0; ///< likewise
 
     /// The job with what the shared list and the current setting hold now. Main thread.
     static RunRequest of(const ConverterInfo& job);
-};
-
-/// What the worker of a run and the window that watches it tell each other.
-struct RunMarks {
-    std::atomic<bool> begun{false};     ///< by the worker: the engine's counters are this run's
-    std::atomic<bool> ended{false};     ///< by the worker: it touches nothing any more
-    std::atomic<bool> cancelled{false}; ///< by the window, before it sets `stopRequested`
 };
 
 /// The driver: copies a job into the engine's tables and runs it.
@@ -35,10 +30,11 @@ public:
     ConverterThread() = delete;
 
     /// Runs the job over the shared list with the current setting. Blocks until the run has ended.
-    /// It checks nothing: the engine marks the inputs that fail.
+    /// It checks nothing: the engine marks the inputs that fail. Main thread.
     static void beginConverter(const ConverterInfo& job);
-    /// The body of a worker thread. The run ends at once when it has been cancelled before.
-    static void beginConverter(const RunRequest& request, RunMarks& marks);
+    /// Fills the engine's tables, settings and counters from the request; a request to stop that
+    /// was meant for an earlier run is forgotten. Main thread, while the engine carries out no run.
+    static void fill(const RunRequest& request);
 
     /// Copies the parameters that the engine has probed into the current setting, in the engine's
     /// units: bit/s, and libavcodec's names of codecs. Main thread.

@@ -12,13 +12,13 @@ QString lastPart(const QString& path) {
 QString pathExtension(const QString& path) {
     const QString name = lastPart(path);
     const qsizetype dot = name.lastIndexOf('.');
-    return dot > 0 ? name.mid(dot + 1) : QString();
+    return dot >= 0 ? name.mid(dot + 1) : QString();
 }
 
 QString fileNameWithoutExtension(const QString& path) {
     const QString name = lastPart(path);
     const qsizetype dot = name.lastIndexOf('.');
-    return dot > 0 && dot + 1 < name.size() ? name.left(dot) : name;
+    return pathExtension(name).isEmpty() ? name : name.left(dot);
 }
 
 } // namespace velmora

@@ -4,11 +4,11 @@
 
 namespace velmora {
 
-/// The extension of the path's last part, as written and without its dot; empty without one. A dot
-/// at the very beginning of a name does not begin an extension.
+/// What follows the last dot of the path's last part, as written; empty without a dot. Also of a
+/// name that begins with its only dot.
 QString pathExtension(const QString& path);
 
-/// The path's last part without its extension.
+/// The path's last part up to the dot of its extension; whole when it has none.
 QString fileNameWithoutExtension(const QString& path);
 
 } // namespace velmora

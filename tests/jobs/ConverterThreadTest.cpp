@@ -242,19 +242,6 @@ TEST_F(ConverterThreadTest, cutOfARealFile_isWritten) {
     EXPECT_EQ(packetsOf(folder_ / "out.mp4", "v:0").size(), 30U);
 }
 
-TEST_F(ConverterThreadTest, runCancelledBeforeItBegan_doesNothing) {
-    addItem(mediaPath("h264.mp4"), 0, 2000);
-    RunMarks marks;
-    marks.cancelled = true;
-    ConverterThread::beginConverter(
-        RunRequest::of({.fullPath = output("out.mp4"), .isDirectly = 1, .isCutter = 1}), marks);
-    EXPECT_TRUE(marks.begun);
-    EXPECT_TRUE(marks.ended);
-    EXPECT_EQ(engine_.stopRequested, 1);
-    EXPECT_EQ(engine_.fileStates[0], ConversionEngine::Pending);
-    EXPECT_FALSE(std::filesystem::exists(folder_ / "out.mp4"));
-}
-
 TEST_F(ConverterThreadTest, request_laterChangesOfTheState_doNotReachIt) {
     fillFrom(1, 2);
     setting_.aEncoder = "AAC";

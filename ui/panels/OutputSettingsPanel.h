@@ -108,8 +108,6 @@ protected:
     void logChoices() const;
     /// Composes the output path, and in re-encode mode takes the choices over.
     void takeOutput(ConverterInfo& job);
-    /// The text after the last dot; empty without one.
-    static QString pathExtension(const QString& text);
     static void showPlainAlert(const QString& message);
     /// Takes the panel off the screen; nobody is asked.
     void closePanel();

@@ -6,6 +6,7 @@
 #include "OutputSettingsForm.h"
 #include "OutputSettingsPanel.h"
 #include "PanelWindow.h"
+#include "PathParts.h"
 #include "PlatformLog.h"
 #include "SharedState.h"
 #include "ui_OutputSettingsForm.h"
@@ -35,11 +36,6 @@ void OutputSettingsPanel::parseResolution(const QString& resolution) {
 
 QString OutputSettingsPanel::getChannel(const QString& text) {
     return text.section(' ', 0, 0);
-}
-
-QString OutputSettingsPanel::pathExtension(const QString& text) {
-    const qsizetype dot = text.lastIndexOf('.');
-    return dot < 0 ? QString() : text.mid(dot + 1);
 }
 
 QString OutputSettingsPanel::getExtension(const QString& profileName) {

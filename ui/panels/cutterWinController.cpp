@@ -7,6 +7,7 @@
 #include "ModalSession.h"
 #include "OutputSettingsForm.h"
 #include "PanelWindow.h"
+#include "PathParts.h"
 #include "PlatformLog.h"
 #include "SharedState.h"
 #include "ui_OutputSettingsForm.h"
