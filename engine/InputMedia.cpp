@@ -90,21 +90,19 @@ bool isVideoStream(const AVStream& stream) {
 }
 
 InputMedia::InputMedia(std::string path, const StopFlag* stop)
-    : path_(std::move(path)), stop_(stop), reader_(stop) {}
+    : path_(std::move(path)), stop_(stop), files_(path_, stop) {}
 
 int InputMedia::open() {
-    int result = reader_.open(path_);
-    AVFormatContext* context = result < 0 ? nullptr : avformat_alloc_context();
-    if (result >= 0 && context == nullptr) {
-        result = AVERROR(ENOMEM);
+    int result = files_.open();
+    if (result >= 0) {
+        container_.reset(avformat_alloc_context());
+        result = container_ != nullptr ? files_.attachTo(*container_) : AVERROR(ENOMEM);
     }
     if (result >= 0) {
-        context->pb = reader_.io();
-        context->interrupt_callback = {isStopped, this};
-        OptionDictionary options;
-        options.set("protocol_whitelist", "file"); // for what a play list inside the file names
-        result = avformat_open_input(&context, path_.c_str(), nullptr, options.address());
-        container_.reset(context); // null after a failure
+        container_->interrupt_callback = {isStopped, this};
+        AVFormatContext* context = container_.release(); // freed and null after a failure
+        result = avformat_open_input(&context, files_.url().c_str(), nullptr, nullptr);
+        container_.reset(context);
     }
     if (result < 0) {
         logFailure(path_, "open", result);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AvHandles.h"
-#include "FileReader.h"
+#include "InputFiles.h"
 #include "StopFlag.h"
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 namespace velmora {
 
 /// One opened source: its container, the streams that are used of it and their decoders. Owns the
-/// file, the container context and the decoders. Belongs to one thread.
+/// files, the container context and the decoders. Belongs to one thread.
 ///
 /// Of several video or audio streams the last one is used. An attached picture (cover art) is not
 /// a video stream; data and subtitle streams are not read.
@@ -54,7 +54,7 @@ public:
     AVCodecContext* videoDecoder() const { return videoDecoder_.get(); }
     AVCodecContext* audioDecoder() const { return audioDecoder_.get(); }
     /// As the file was when it was opened.
-    const FileIdentity& identity() const { return reader_.identity(); }
+    const FileIdentity& identity() const { return files_.identity(); }
 
 private:
     static int isStopped(void* self);
@@ -69,7 +69,7 @@ private:
 
     std::string path_;
     const StopFlag* stop_;
-    FileReader reader_; ///< outlives the container, which reads through it
+    InputFiles files_; ///< outlives the container, which reads through them
     InputContextHandle container_;
     CodecContextHandle videoDecoder_;
     CodecContextHandle audioDecoder_;

@@ -1,0 +1,154 @@
+// What play lists may name.
+
+#include "InputMedia.h"
+#include "NestedSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace velmora::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST_F(NestedFiles, PartsInTheFolderOrBelow_are_read) {
+    const Bytes expected = videoBytesOf(part_);
+    ASSERT_FALSE(expected.empty());
+    for (const std::string& name : std::vector<std::string>{
+             "part.ts", "below/part.ts", "below/../part.ts", "to-part.ts", "to-below/part.ts",
+             part_, "file:" + part_, "../inside/part.ts", inside_ + "/to-below/part.ts"}) {
+        EXPECT_TRUE(videoBytesOf(listOf({name})) == expected) << name;
+    }
+}
+
+TEST_F(NestedFiles, SeveralParts_are_cut_and_previewed) {
+    const std::string list = listOf({"part.ts", "below/part.ts"});
+    const std::size_t pictures = packetsOf(part_, "v:0").size();
+
+    EXPECT_EQ(cut(list, 0, 100'000, output_).states, std::vector{1});
+    EXPECT_EQ(packetsOf(output_, "v:0").size(), 2 * pictures);
+    engine_.probePath = list;
+    engine_.snapshotPath = folder_ / "picture.bmp";
+    engine_.currentIndex = 0;
+    engine_.startTimes[0] = 0.0;
+    EXPECT_EQ(engine_.snapshot(), 0);
+    EXPECT_TRUE(fs::exists(engine_.snapshotPath));
+}
+
+TEST_F(NestedFiles, PartsOutside_are_not_opened) {
+    const OpenWatch secret(secret_);
+    const OpenWatch beside(inside_ + "-not/secret.ts");
+    for (const std::string& name : std::vector<std::string>{
+             secret_, "file:" + secret_, "../outside/secret.ts", "below/../../outside/secret.ts",
+             "to-secret.ts", "to-outside/secret.ts", inside_ + "/to-secret.ts",
+             "../inside-not/secret.ts", "crypto:" + secret_, "crypto+file:" + secret_,
+             "concat:" + secret_, "subfile,,start,0,end,0,,:" + secret_, "async:" + secret_,
+             "data:video/mp2t;base64,R0ARAAAAsA0AAcEAAAABEAAqsQSy.ts"}) {
+        expectUnusable(listOf({name}));
+    }
+    EXPECT_FALSE(secret.hasSeenOpening());
+    EXPECT_FALSE(beside.hasSeenOpening());
+}
+
+TEST_F(NestedFiles, PartOutsideAmongOthers_is_left_out) {
+    const Bytes expected = videoBytesOf(part_);
+    const std::size_t pictures = packetsOf(part_, "v:0").size();
+    const OpenWatch secret(secret_);
+
+    EXPECT_EQ(cut(listOf({"part.ts", secret_}), 0, 100'000, output_).states, std::vector{1});
+
+    EXPECT_EQ(packetsOf(output_, "v:0").size(), pictures);
+    EXPECT_FALSE(secret.hasSeenOpening());
+}
+
+TEST_F(NestedFiles, Refusal_is_logged_with_input_and_name) {
+    const std::string list = listOf({"to-secret.ts"});
+    AtLogLine refusal(list + ": open nested file " + inside_ + "/to-secret.ts: Permission denied",
+                      [](int) {});
+    videoBytesOf(list);
+    EXPECT_EQ(refusal.seen(), 1);
+}
+
+TEST_F(NestedFiles, KeyOutside_is_not_opened) {
+    const std::string key = outside_ + "/key.ts";
+    writeFile(key, "0123456789abcdef");
+    const OpenWatch watch(key);
+    writeFile(list_, "#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXT-X-KEY:METHOD=AES-128,URI=\"" + key +
+                         "\"\n#EXTINF:2,\npart.ts\n#EXT-X-ENDLIST\n");
+    expectUnusable(list_);
+    EXPECT_FALSE(watch.hasSeenOpening());
+}
+
+TEST_F(NestedFiles, ListOfListsOutside_is_not_opened) {
+    writeFile(outside_ + "/list.m3u8", playList({"secret.ts"}));
+    const OpenWatch watch(outside_ + "/list.m3u8");
+    writeFile(list_, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1000\n../outside/list.m3u8\n");
+    expectUnusable(list_);
+    EXPECT_FALSE(watch.hasSeenOpening());
+}
+
+TEST_F(NestedFiles, ListNamedLikeAnAddress_finds_its_parts) {
+    const Bytes expected = videoBytesOf(part_);
+    const fs::path before = fs::current_path();
+    fs::current_path(inside_);
+    for (const std::string name : {"file:list.m3u8", "http:list.m3u8", "data:list.m3u8"}) {
+        writeFile(name, playList({"part.ts"}));
+        EXPECT_TRUE(videoBytesOf(name) == expected) << name;
+    }
+    fs::current_path(before);
+}
+
+TEST_F(NestedFiles, Closed_leaves_no_descriptor_open) {
+    const std::string list = listOf({"part.ts", "below/part.ts"});
+    const std::string broken = listOf({"part.ts", secret_});
+    const std::size_t before = openDescriptors();
+    for (const std::string& path : {list, broken, part_}) {
+        videoBytesOf(path);
+        EXPECT_EQ(openDescriptors(), before) << path;
+        InputMedia given(path, nullptr);
+        ASSERT_GE(given.open(), 0);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+// Demuxers that open what they name without asking.
+
+TEST_F(NestedFiles, ListOfTheConcatDemuxer_opens_nothing) {
+    const OpenWatch secret(secret_);
+    const OpenWatch part(part_);
+    writeFile(inside_ + "/abs.m3u8", playList({secret_}));
+    const std::string list = inside_ + "/list.ffconcat";
+    for (const std::string& name :
+         std::vector<std::string>{secret_, "../outside/secret.ts", "to-secret.ts",
+                                  "to-outside/secret.ts", "abs.m3u8", "part.ts"}) {
+        writeFile(list, "ffconcat version 1.0\nfile '" + name + "'\n");
+        expectUnusable(list);
+    }
+    EXPECT_FALSE(secret.hasSeenOpening());
+    EXPECT_FALSE(part.hasSeenOpening());
+}
+
+TEST_F(NestedFiles, DashManifest_opens_nothing) {
+    const std::string secret = outside_ + "/secret.mp4";
+    fs::copy_file(mediaPath("mpeg4.mp4"), secret);
+    const OpenWatch watch(secret);
+    const std::string manifest = inside_ + "/manifest.mpd";
+    for (const std::string& name : std::vector<std::string>{secret, "../outside/secret.mp4"}) {
+        writeFile(manifest, "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\""
+                            " profiles=\"urn:mpeg:dash:profile:isoff-live:2011\" type=\"static\""
+                            " mediaPresentationDuration=\"PT4S\"><Period>"
+                            "<AdaptationSet contentType=\"video\"><Representation id=\"0\""
+                            " mimeType=\"video/mp4\" codecs=\"mp4v.20.0\" bandwidth=\"1000\">"
+                            "<BaseURL>" +
+                                name +
+                                "</BaseURL></Representation></AdaptationSet></Period></MPD>");
+        expectUnusable(manifest);
+    }
+    EXPECT_FALSE(watch.hasSeenOpening());
+}
+
+} // namespace
+} // namespace velmora::test
