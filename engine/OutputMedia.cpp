@@ -13,16 +13,36 @@ bool isMatroska(const AVOutputFormat& format) {
     return av_match_name(format.name, "matroska,webm") != 0;
 }
 
+/// Some muxers open files by themselves, as many as they like and by names that they make up. The
+/// one for Sega's films reads its file again while it is being written.
+bool writesOneFile(const AVOutputFormat& format) {
+    return (format.flags & AVFMT_NOFILE) == 0 && av_match_name("film_cpk", format.name) == 0;
+}
+
+/// The output's file is opened for the muxer; every other one is refused.
+int refuseFile(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* url, int /*flags*/,
+               AVDictionary** /*options*/) {
+    logFailure(url, "open besides the output", AVERROR(EACCES));
+    return AVERROR(EACCES);
+}
+
 } // namespace
 
 int OutputMedia::create(const AVOutputFormat& format) {
+    if (!writesOneFile(format)) {
+        av_log(nullptr, AV_LOG_ERROR, "%s: %s is not written as one file\n", path_.c_str(),
+               format.name);
+        return AVERROR(EINVAL);
+    }
     AVFormatContext* context = nullptr;
     const int result = avformat_alloc_output_context2(&context, &format, nullptr, path_.c_str());
     context_.reset(context);
     if (result < 0) {
         logFailure(path_, "create output", result);
+        return result;
     }
-    return result;
+    context->io_open = refuseFile;
+    return 0;
 }
 
 OutputStream* OutputMedia::addVideoStream(AVRational frameDuration) {
@@ -49,7 +69,7 @@ OutputStream* OutputMedia::addStream(OutputStream& stream, AVRational unit) {
 
 int OutputMedia::begin() {
     int result = context_->nb_streams > 0 ? 0 : AVERROR(EINVAL);
-    if (result >= 0 && (format().flags & AVFMT_NOFILE) == 0) {
+    if (result >= 0) {
         result = file_.open(path_);
         context_->pb = file_.io();
     }

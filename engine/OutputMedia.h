@@ -30,7 +30,8 @@ public:
     OutputMedia& operator=(const OutputMedia&) = delete;
     ~OutputMedia() = default;
 
-    /// 0 or a negative libav error code.
+    /// 0 or a negative libav error code: AVERROR(EINVAL) for a format that is not written as one
+    /// file from its beginning to its end. Nothing on the disk is touched.
     int create(const AVOutputFormat& format);
     const AVOutputFormat& format() const { return *context_->oformat; }
     AVDictionary** tags() { return &context_->metadata; }

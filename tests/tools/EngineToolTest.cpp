@@ -198,6 +198,20 @@ TEST_F(EngineTool, AnyInputNotDone_ends_with_1) {
               json({2, 2}));
 }
 
+TEST_F(EngineTool, OutputOfSeveralFiles_fails_with_its_cause_and_touches_nothing) {
+    const std::string source = folder_ / "m0.ts"; // as the play list would name its first part
+    fs::copy_file(mediaPath("mpeg2.ts"), source);
+    const Bytes before = readFile(source);
+    for (const char* name : {"m.m3u8", "m.mpd", "%03d.jpg", "m.jpg"}) {
+        const std::string output = folder_ / name;
+        EXPECT_EQ(resultOf({"cut", source, "0", "1", output}, kFailure).at("fileStates"),
+                  json({2}));
+        EXPECT_NE(errors_.find(output + ": "), std::string::npos) << errors_;
+    }
+    EXPECT_TRUE(readFile(source) == before);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
+}
+
 TEST_F(EngineTool, NamesOfAnyBytes_are_taken_as_they_are) {
     const std::string input = folder_ / "in:\xFF %d\n.mp4";
     const std::string output = folder_ / "out:\xFF %d\n.mp4";
