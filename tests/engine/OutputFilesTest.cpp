@@ -151,6 +151,7 @@ TEST_F(OutputFiles, OpeningAnotherFile_is_refused_to_the_muxer) {
     int opened = 0;
     const FaultyMedia atHeader({.begin = [&](const AVFormatContext& output) {
         AVIOContext* io = nullptr;
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): as the muxer would call it
         opened = output.io_open(const_cast<AVFormatContext*>(&output), &io, other.c_str(),
                                 AVIO_FLAG_WRITE, nullptr);
         return false;

@@ -137,14 +137,15 @@ TEST_F(NestedFiles, DashManifest_opens_nothing) {
     const OpenWatch watch(secret);
     const std::string manifest = inside_ + "/manifest.mpd";
     for (const std::string& name : std::vector<std::string>{secret, "../outside/secret.mp4"}) {
-        writeFile(manifest, "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\""
-                            " profiles=\"urn:mpeg:dash:profile:isoff-live:2011\" type=\"static\""
-                            " mediaPresentationDuration=\"PT4S\"><Period>"
-                            "<AdaptationSet contentType=\"video\"><Representation id=\"0\""
-                            " mimeType=\"video/mp4\" codecs=\"mp4v.20.0\" bandwidth=\"1000\">"
-                            "<BaseURL>" +
-                                name +
-                                "</BaseURL></Representation></AdaptationSet></Period></MPD>");
+        std::string text = "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\""
+                           " profiles=\"urn:mpeg:dash:profile:isoff-live:2011\" type=\"static\""
+                           " mediaPresentationDuration=\"PT4S\"><Period>"
+                           "<AdaptationSet contentType=\"video\"><Representation id=\"0\""
+                           " mimeType=\"video/mp4\" codecs=\"mp4v.20.0\" bandwidth=\"1000\">"
+                           "<SegmentTemplate timescale=\"1\" duration=\"4\" startNumber=\"1\"";
+        text.append(" initialization=\"").append(name).append("\" media=\"").append(name);
+        text += "\"/></Representation></AdaptationSet></Period></MPD>";
+        writeFile(manifest, text);
         expectUnusable(manifest);
     }
     EXPECT_FALSE(watch.hasSeenOpening());
