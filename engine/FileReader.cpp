@@ -8,9 +8,9 @@
 namespace velmora {
 namespace {
 
-// Large enough that system calls do not count, small enough to stay in the processor's cache
-// between the kernel's copy into it and libavformat's copy out of it.
-constexpr int kBufferBytes = 256 * 1024;
+// For headers and small packets. What is larger, as most pictures are, is read past it, straight
+// into the packet.
+constexpr int kBufferBytes = 32 * 1024;
 
 } // namespace
 

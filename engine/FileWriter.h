@@ -3,26 +3,19 @@
 #include "AvHandles.h"
 #include "FileDescriptor.h"
 
-#include <array>
-#include <atomic>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace velmora {
 
-/// The byte sink of one output for libavformat. Collects what the muxer writes into chunks
-/// and writes them to the file on a thread of its own, so that reading and writing overlap.
+/// The byte sink of one output for libavformat. Collects what the muxer writes into chunks and
+/// writes them to the file.
 ///
 /// A file that was there before keeps its content until the first chunk is to be written; a file
 /// that was created and got no byte is removed again. The first failed write is kept and reported
-/// by every later operation; nothing more is written after it.
-///
-/// All public members belong to one thread.
+/// by every later operation; nothing more is written after it. Belongs to one thread.
 class FileWriter {
 public:
     FileWriter() = default;
@@ -44,7 +37,7 @@ public:
     void abandon();
 
     /// The first failure so far, or 0.
-    int error() const { return error_.load(); }
+    int error() const { return error_; }
 
 private:
     struct Chunk {
@@ -57,12 +50,10 @@ private:
     static std::int64_t seek(void* opaque, std::int64_t offset, int whence);
 
     int createIo();
-    int startThread();
-    void endThread();
     void append(const std::uint8_t* bytes, std::size_t size);
-    void handOver();
-    void writeChunks();
-    void writeOut(const Chunk& chunk);
+    void writeChunk();
+    void writeOut();
+    void touch();
     void reserve(std::int64_t end);
     void fail(int errorNumber);
 
@@ -72,18 +63,10 @@ private:
     IoContextHandle io_;
     std::int64_t position_ = 0; ///< where the muxer writes next
     std::int64_t size_ = 0;     ///< of the file, once all is written
-    Chunk filling_;
-
-    std::thread thread_;
-    std::mutex mutex_; ///< guards the three below
-    std::condition_variable changed_;
-    Chunk writing_; ///< belongs to the thread while `pending_`
-    bool pending_ = false;
-    bool ending_ = false;
-
-    bool touched_ = false;         ///< used by the thread only, until it has been joined
-    std::int64_t reservedEnd_ = 0; ///< likewise; -1: the file system reserves nothing
-    std::atomic<int> error_{0};
+    Chunk chunk_;
+    bool touched_ = false;         ///< whether anything has been written, or tried
+    std::int64_t reservedEnd_ = 0; ///< -1: the file system reserves nothing
+    int error_ = 0;
 };
 
 } // namespace velmora
