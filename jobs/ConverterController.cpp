@@ -41,7 +41,8 @@ QString clockText(qint64 ms) {
 
 } // namespace
 
-ConverterController::ConverterController() : refreshTimer_(new QTimer(this)) {
+ConverterController::ConverterController(QWidget* owner)
+    : owner_(owner), refreshTimer_(new QTimer(this)) {
     refreshTimer_->setObjectName("refreshTimer");
     refreshTimer_->setInterval(kRefreshInterval);
     connect(refreshTimer_, &QTimer::timeout, this, &ConverterController::refreshProgree);
@@ -56,7 +57,7 @@ ConverterController::~ConverterController() {
 void ConverterController::loadWindow() {
     if (winConverterController_)
         return;
-    winConverterController_ = std::make_unique<ProgressWindow>();
+    winConverterController_ = std::make_unique<ProgressWindow>(owner_);
     winConverterController_->shouldClose = [this] { return windowShouldClose(); };
     const Ui::ConverterFrom& outlets = winConverterController_->outlets();
     connect(outlets.btCancel, &QPushButton::clicked, this, &ConverterController::closeFrom);

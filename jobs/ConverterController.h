@@ -13,6 +13,7 @@
 #include <memory>
 
 class QProgressBar;
+class QWidget;
 
 namespace velmora {
 
@@ -28,7 +29,8 @@ class ConverterController : public QObject {
     Q_OBJECT
 
 public:
-    ConverterController();
+    /// The window stays above `owner`, which outlives the controller; null: it belongs to no other.
+    explicit ConverterController(QWidget* owner = nullptr);
     /// Asks a run that still goes on to stop and waits for it.
     ~ConverterController() override;
     ConverterController(const ConverterController&) = delete;
@@ -72,6 +74,7 @@ private:
     void performClose();
     void stopOwnSession();
 
+    QWidget* owner_;
     std::unique_ptr<ProgressWindow> winConverterController_;
     QProgressBar* singleProgress_ = nullptr;             ///< 0 to 100; the window's
     QProgressBar* totleProgress_ = nullptr;              ///< 0 to 100; the window's

@@ -12,9 +12,9 @@ constexpr QColor kAccent(0x1F, 0x6F, 0xB2);
 
 } // namespace
 
-ProgressWindow::ProgressWindow() : outlets_(std::make_unique<Ui::ConverterFrom>()) {
+ProgressWindow::ProgressWindow(QWidget* owner)
+    : QWidget(owner, Qt::Dialog), outlets_(std::make_unique<Ui::ConverterFrom>()) {
     outlets_->setupUi(this);
-    setWindowFlags(Qt::Dialog);
     setAttribute(Qt::WA_QuitOnClose, false);
     for (QProgressBar* bar : {outlets_->singleProgress, outlets_->totleProgress}) {
         QPalette colours = bar->palette();

@@ -17,7 +17,8 @@ class ProgressWindow : public QWidget {
     Q_OBJECT
 
 public:
-    ProgressWindow();
+    /// The window stays above `owner`, its parent; null: it belongs to no other.
+    explicit ProgressWindow(QWidget* owner = nullptr);
     ~ProgressWindow() override;
     ProgressWindow(const ProgressWindow&) = delete;
     ProgressWindow& operator=(const ProgressWindow&) = delete;

@@ -8,10 +8,10 @@ for group in "$@"; do
     case $group in
         build) packages+=(g++ cmake ninja-build pkg-config nlohmann-json3-dev libavformat-dev
                           libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
-                          libplist-dev qt6-base-dev) ;;
+                          libplist-dev libxcb1-dev qt6-base-dev) ;;
         run)   packages+=(ffmpeg xvfb openbox xdotool imagemagick fonts-dejavu-core) ;;
         test)  packages+=(ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick
-                          fonts-dejavu-core libplist-utils) ;;
+                          fonts-dejavu-core libplist-utils x11-utils) ;;
         check) packages+=(clang-format clang-tidy) ;;
         package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;

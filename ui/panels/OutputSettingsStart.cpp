@@ -86,7 +86,7 @@ void OutputSettingsPanel::closePanel() {
 
 void OutputSettingsPanel::createConverter() {
     if (!converterController)
-        converterController = std::make_unique<ConverterController>();
+        converterController = std::make_unique<ConverterController>(owner_);
 }
 
 void OutputSettingsPanel::showConverter(const ConverterInfo& job) {

@@ -1,5 +1,8 @@
 #include "ModalSession.h"
 
+#include "X11FocusWatch.h"
+
+#include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QPointer>
@@ -50,10 +53,9 @@ public:
     }
 
     void run() {
-        window_->show();
+        window_->show(); // while it belongs to its owner, over which the desktop then keeps it
         block();
-        window_->raise();
-        window_->activateWindow();
+        comeToTheFront();
         window_->installEventFilter(this);
         connect(window_, &QObject::destroyed, this, &ModalSession::stop);
         loop_.exec();
@@ -85,6 +87,35 @@ private:
         handle_->setTransientParent(barrier_.windowHandle());
     }
 
+    void comeToTheFront() {
+        window_->raise();
+        window_->activateWindow();
+    }
+
+    /// Qt hands the focus of a blocked window on to the window that blocks it. Here that is the
+    /// barrier, which cannot have it.
+    void takeFocusFrom(WId focused) {
+        if (blocks(focused))
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    if (!stopped_)
+                        comeToTheFront();
+                },
+                Qt::QueuedConnection);
+    }
+
+    bool blocks(WId focused) const {
+        // Also false while a window with a modality of its own, such as an alert, is over this one.
+        if (stopped_ || QApplication::activeModalWidget() != &barrier_)
+            return false;
+        for (const QWindow* const window : QGuiApplication::topLevelWindows()) {
+            if (window->handle() && window->winId() == focused)
+                return !barrier_.windowHandle()->isAncestorOf(window);
+        }
+        return false;
+    }
+
     void unblock() {
         if (handle_)
             handle_->setTransientParent(parentBefore_);
@@ -96,6 +127,7 @@ private:
     QPointer<QWindow> handle_;       ///< of the window
     QPointer<QWindow> parentBefore_; ///< what the window belonged to before the session
     QEventLoop loop_;
+    X11FocusWatch focus_{[this](WId window) { takeFocusFrom(window); }};
     bool stopped_ = false;
 };
 

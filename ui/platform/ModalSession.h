@@ -7,8 +7,9 @@ namespace velmora {
 // Modal sessions. They nest, and the innermost one is in force. Main thread.
 
 /// Shows `window` and handles events, but no input to other windows, until the session is stopped.
-/// Windows and panels that belong to `window` are not blocked. The session also ends when the
-/// window is hidden or destroyed, or the application quits.
+/// A click on one of those brings `window` to the front, and it stays above its parent. Windows and
+/// panels that belong to `window` are not blocked. The session also ends when the window is hidden
+/// or destroyed, or the application quits.
 void runModalForWindow(QWidget& window);
 
 /// Ends the innermost session, if there is one. Its window stays on screen and blocks the others no
