@@ -213,6 +213,7 @@ void MainController::takeSource(NodeInfo& item) {
 }
 
 void MainController::firstLoadVideo(const QString& path) {
+    closePanels();
     filename_ = path;
     setDefaultView();
     ConversionEngine& engine = ConversionEngine::instance();
@@ -291,6 +292,7 @@ void MainController::scrubbingbarDidChange(const Notification& notification) {
 void MainController::button_left_anchor() {
     if (!mAddFileInitialized)
         return;
+    mCutterWincontroller->close();
     mStartValMs = toMilliseconds(mLabelValue);
     setInfoParameter("cutStartTime", QString::number(mStartValMs));
     currentSetting->cutStartTime = static_cast<float>(mStartValMs);
@@ -308,6 +310,7 @@ void MainController::button_left_anchor() {
 void MainController::button_right_anchor() {
     if (!mAddFileInitialized)
         return;
+    mCutterWincontroller->close();
     mEndValMs = toMilliseconds(mLabelValue);
     setInfoParameter("cutEndTime", QString::number(mEndValMs));
     textSetTime(*ui_.mLabelEnd, mLabelValue);
@@ -325,6 +328,9 @@ void MainController::onTextDidChange(const Notification& /*notification*/) {
     const std::int32_t start =
         mCutterWincontroller->parseSpecificStringToMs(ui_.mLabelStart->text());
     const std::int32_t end = mCutterWincontroller->parseSpecificStringToMs(ui_.mLabelEnd->text());
+    if (static_cast<float>(start) != currentSetting->cutStartTime ||
+        static_cast<float>(end) != currentSetting->cutEndTime)
+        mCutterWincontroller->close(); // it would cut by the times it was opened with
     if (start >= 0 && end >= 0)
         textSetTime(*ui_.mLabelDuration, toSeconds(end - start));
 }

@@ -117,6 +117,7 @@ bool MainController::joinerAddFile(const QString& path) {
     engine.probePath = path.toStdString();
     if (!acceptProbe(engine.probe()))
         return true;
+    mJointerWincontroller->close();
     takeSource(*item);
     ConverterThread::copyProbeToSetting();
     item->startTime = 0;
@@ -133,6 +134,7 @@ void MainController::fileDel() {
     const int row = ui_.tableView->selectedRow();
     if (row < 0 || static_cast<std::size_t>(row) >= sharedFileList->size())
         return;
+    mJointerWincontroller->close();
     sharedFileList->erase(sharedFileList->begin() + row);
     reloadTable();
 }

@@ -102,6 +102,13 @@ void MainController::createPanels() {
     }
 }
 
+/// A panel that a refused start has left open was opened for the workspace, the videos and the
+/// times of then. With others it would do what nobody has asked for.
+void MainController::closePanels() {
+    mCutterWincontroller->close();
+    mJointerWincontroller->close();
+}
+
 void MainController::setDefaultTooltips() {
     const QString typing = "You can input time here, format(hh:mm:ss.fff)";
     ui_.mButtonCutterAdd->setToolTip("Add video file");
@@ -150,13 +157,12 @@ QString MainController::selectedSegmentLabel() const {
 
 void MainController::button_segSelected() {
     const QString label = selectedSegmentLabel();
-    if (label == cutterLabel) {
-        sharedFileList = cutterFileList;
-        ui_.curView->setCurrentWidget(ui_.viewCutter);
-    } else if (label == joinerLabel) {
-        sharedFileList = joinerFileList;
-        ui_.curView->setCurrentWidget(ui_.viewJoiner);
-    }
+    const bool cutter = label == cutterLabel;
+    if (!cutter && label != joinerLabel)
+        return;
+    closePanels();
+    sharedFileList = cutter ? cutterFileList : joinerFileList;
+    ui_.curView->setCurrentWidget(cutter ? ui_.viewCutter : ui_.viewJoiner);
 }
 
 void MainController::closeApplication() {

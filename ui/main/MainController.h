@@ -125,6 +125,7 @@ private:
     void awakeControls();
     void subscribe(const char* name, void (MainController::*handler)(const Notification&));
     void createPanels();
+    void closePanels();
 
     void loadChosenFiles(const QStringList& files);
     std::optional<std::int32_t> loadChosenFile(const QString& path);

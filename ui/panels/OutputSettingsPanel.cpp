@@ -60,6 +60,16 @@ void OutputSettingsPanel::load() {
     refreshResultPath();
 }
 
+void OutputSettingsPanel::close() {
+    if (!window_ || !window_->isVisible())
+        return;
+    for (QDialog* const above : window_->findChildren<QDialog*>()) {
+        if (above->isVisible())
+            above->close();
+    }
+    window_->close();
+}
+
 void OutputSettingsPanel::bindActions() {
     const auto& form = outlets();
     QObject::connect(form.mComboBox, &QComboBox::activated, form_, [this] { mButFormatChange(); });
@@ -202,11 +212,13 @@ void OutputSettingsPanel::mButBrowse() {
 }
 
 void OutputSettingsPanel::mButCustomize() {
-    const NodeSetting before = *currentSetting;
+    // A load replaces the current setting by a new one, which is not the one to put back.
+    const std::shared_ptr<NodeSetting> setting = currentSetting;
+    const NodeSetting before = *setting;
     loadEditorProfiles();
     parametersToSetting();
     if (!editor().showSettingFrom(window_.get())) {
-        *currentSetting = before;
+        *setting = before;
         return;
     }
     const Profile* const profile = mProfileInfo.getProfileByName(profileText());

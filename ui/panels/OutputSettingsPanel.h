@@ -30,7 +30,8 @@ class OutputSettingsForm;
 /// setting, which the main window has made by then.
 ///
 /// Whoever opens a panel runs its window() modally. A start ends that session first: a refused one
-/// leaves the panel on screen, where it blocks nothing and can start again. Main thread.
+/// leaves the panel on screen, where it blocks nothing and can start again; whoever has opened it
+/// closes it once it no longer fits what it was opened for. Main thread.
 class OutputSettingsPanel {
 public:
     virtual ~OutputSettingsPanel();
@@ -40,6 +41,9 @@ public:
     /// The panel's window. The first call loads it, with what has been set until then; afterwards
     /// it keeps what the user has chosen.
     QWidget& window();
+    /// Closes the window, if it is on screen, and first what is open over it, each as its close box
+    /// does.
+    void close();
 
     void windowDidLoad();
     /// The default folders, an empty output folder and the default name.
