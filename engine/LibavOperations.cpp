@@ -15,9 +15,12 @@ class LibavOperations final : public MediaOperations {
 public:
     LibavOperations() { routeLibraryLog(); }
 
-    std::int32_t probe(ConversionEngine& engine) override { return velmora::probe(engine); }
+    std::int32_t probe(ConversionEngine& engine) override {
+        return velmora::probe(engine, sampleAspectRatio_);
+    }
     void run(const Job& job, ConversionEngine& engine) override { velmora::run(job, engine); }
     std::int32_t snapshot(ConversionEngine& engine) override;
+    SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
     const char* codecName(std::int32_t codecId) override {
         return avcodec_get_name(static_cast<AVCodecID>(codecId));
     }
@@ -25,6 +28,7 @@ public:
 
 private:
     Snapshot snapshot_;
+    SampleAspectRatio sampleAspectRatio_;
 };
 
 std::int32_t LibavOperations::snapshot(ConversionEngine& engine) {

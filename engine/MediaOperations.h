@@ -1,6 +1,7 @@
 #pragma once
 
 #include "EngineLog.h"
+#include "SampleAspectRatio.h"
 
 #include <cstdint>
 
@@ -21,6 +22,8 @@ public:
     virtual void run(const Job& job, ConversionEngine& engine) = 0;
     virtual std::int32_t snapshot(ConversionEngine& engine) = 0;
 
+    /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
+    virtual SampleAspectRatio sampleAspectRatio() const = 0;
     /// libavcodec's name of an AVCodecID; lives as long as the process.
     virtual const char* codecName(std::int32_t codecId) = 0;
     /// See velmora::setLogSink.

@@ -64,6 +64,17 @@ void storeAudio(ConversionEngine& engine, const InputMedia& input) {
     }
 }
 
+SampleAspectRatio sampleAspectRatioOf(const InputMedia& input) {
+    AVStream* const stream = input.videoStream();
+    if (stream == nullptr) {
+        return {};
+    }
+    // What the container says goes before what the coded pictures say.
+    const AVRational told = av_guess_sample_aspect_ratio(input.container(), stream, nullptr);
+    return told.num > 0 && told.den > 0 ? SampleAspectRatio{told.num, told.den}
+                                        : SampleAspectRatio();
+}
+
 void storeDuration(ConversionEngine& engine, std::int64_t durationUs) {
     engine.durationUs = durationUs;
     engine.durationFloor = 0;
@@ -72,7 +83,7 @@ void storeDuration(ConversionEngine& engine, std::int64_t durationUs) {
 
 } // namespace
 
-std::int32_t probe(ConversionEngine& engine) {
+std::int32_t probe(ConversionEngine& engine, SampleAspectRatio& aspect) {
     engine.videoStreamIndex = -1;
     engine.audioStreamIndex = -1;
     InputMedia input(engine.probePath, nullptr);
@@ -96,6 +107,7 @@ std::int32_t probe(ConversionEngine& engine) {
     storeVideo(engine, input);
     storeAudio(engine, input);
     storeDuration(engine, input.container()->duration);
+    aspect = sampleAspectRatioOf(input);
     return Success;
 }
 

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "SampleAspectRatio.h"
+
 #include <cstdint>
 
 namespace velmora {
 
 class ConversionEngine;
 
-/// See ConversionEngine::probe.
-std::int32_t probe(ConversionEngine& engine);
+/// See ConversionEngine::probe and, for what it puts into `aspect`,
+/// MediaOperations::sampleAspectRatio.
+std::int32_t probe(ConversionEngine& engine, SampleAspectRatio& aspect);
 
 } // namespace velmora

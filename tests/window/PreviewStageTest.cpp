@@ -30,40 +30,40 @@ protected:
     DropCounter* const view_ = new DropCounter(&stage_); // owned by the stage
 };
 
-TEST_F(PreviewStageTest, view_withoutFrameSize_fillsTheStage) {
-    stage_.setFrameSize({});
+TEST_F(PreviewStageTest, view_withoutDisplaySize_fillsTheStage) {
+    stage_.setDisplaySize({});
     EXPECT_EQ(view_->geometry(), QRect(0, 0, 400, 200));
 }
 
 TEST_F(PreviewStageTest, wideVideo_isCentredInItsProportions) {
-    stage_.setFrameSize({1280, 320});
+    stage_.setDisplaySize({1280, 320});
     EXPECT_EQ(view_->geometry(), QRect(0, 50, 400, 100));
 }
 
 TEST_F(PreviewStageTest, tallVideo_isCentredInItsProportions) {
-    stage_.setFrameSize({360, 720});
+    stage_.setDisplaySize({360, 720});
     EXPECT_EQ(view_->geometry(), QRect(150, 0, 100, 200));
 }
 
 TEST_F(PreviewStageTest, stage_resized_keepsTheProportions) {
-    stage_.setFrameSize({360, 720});
+    stage_.setDisplaySize({360, 720});
     stage_.resize(400, 400);
     EXPECT_EQ(view_->size(), QSize(200, 400));
 }
 
 TEST_F(PreviewStageTest, extremeProportions_leaveAViewToSee) {
-    stage_.setFrameSize({100000, 1});
+    stage_.setDisplaySize({100000, 1});
     EXPECT_EQ(view_->size(), QSize(400, 1));
 }
 
 TEST_F(PreviewStageTest, margins_areLeftFree) {
     stage_.setContentsMargins(8, 8, 8, 8);
-    stage_.setFrameSize({});
+    stage_.setDisplaySize({});
     EXPECT_EQ(view_->geometry(), QRect(8, 8, 384, 184));
 }
 
 TEST_F(PreviewStageTest, drop_besideTheView_reachesIt) {
-    stage_.setFrameSize({360, 720});
+    stage_.setDisplaySize({360, 720});
     const QMimeData files;
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&stage_, &enter);

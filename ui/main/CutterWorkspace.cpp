@@ -3,10 +3,12 @@
 #include "ConversionEngine.h"
 #include "ConverterThread.h"
 #include "CustomSlider.h"
+#include "DisplaySize.h"
 #include "FirstInput.h"
 #include "LeadingNumber.h"
 #include "MainController.h"
 #include "MainWindow.h"
+#include "MediaOperations.h"
 #include "ModalSession.h"
 #include "NotificationCenter.h"
 #include "OpenPanel.h"
@@ -233,7 +235,8 @@ void MainController::firstLoadVideo(const QString& path) {
         ui_.mAddFileToolTip->hide();
         ui_.mCustomSlider->setCustomSliderEnable(true);
         ui_.mButtonSetImage->setToolTip({});
-        mainWin_->showLoadedStage({engine.sourceWidth, engine.sourceHeight});
+        mainWin_->showLoadedStage(displaySize({engine.sourceWidth, engine.sourceHeight},
+                                              mediaOperations().sampleAspectRatio()));
     }
 }
 

@@ -70,12 +70,12 @@ void MainWindow::useTabularDigits() {
         field->setFont(digits);
 }
 
-void MainWindow::showLoadedStage(const QSize& frameSize) {
+void MainWindow::showLoadedStage(const QSize& displaySize) {
     constexpr int rim = 8;
     ui_->mButtonSetImage->hide();
     PreviewStage& stage = *ui_->previewStage;
     stage.setContentsMargins(rim, rim, rim, rim);
-    stage.setFrameSize(frameSize.isEmpty() ? QSize(16, 9) : frameSize);
+    stage.setDisplaySize(displaySize.isEmpty() ? QSize(16, 9) : displaySize);
     if (!stage.property("loaded").toBool()) {
         stage.setProperty("loaded", true);
         stage.style()->polish(&stage);

@@ -25,8 +25,9 @@ public:
     void setCloseAction(std::function<void()> action);
     /// The window's colour; all others in it are chosen to be read on it.
     void setBackgroundColor(const QColor& color);
-    /// From now on the preview shows a video of this frame size, not the invitation to add one.
-    void showLoadedStage(const QSize& frameSize);
+    /// From now on the preview shows a video in the proportions of this size, not the invitation to
+    /// add one.
+    void showLoadedStage(const QSize& displaySize);
 
 Q_SIGNALS:
     /// The window has come to the front.

@@ -12,8 +12,8 @@ QWidget* PreviewStage::child() const {
     return findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-void PreviewStage::setFrameSize(const QSize& size) {
-    frameSize_ = size;
+void PreviewStage::setDisplaySize(const QSize& size) {
+    displaySize_ = size;
     placeChild();
 }
 
@@ -22,8 +22,9 @@ void PreviewStage::placeChild() {
     if (!view)
         return;
     const QRect room = contentsRect();
-    const QSize wanted =
-        frameSize_.isEmpty() ? room.size() : frameSize_.scaled(room.size(), Qt::KeepAspectRatio);
+    const QSize wanted = displaySize_.isEmpty()
+                             ? room.size()
+                             : displaySize_.scaled(room.size(), Qt::KeepAspectRatio);
     QRect place(QPoint(), wanted.expandedTo(QSize(1, 1)));
     place.moveCenter(room.center());
     view->setGeometry(place);

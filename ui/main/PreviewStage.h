@@ -13,9 +13,8 @@ class PreviewStage : public QFrame {
 public:
     explicit PreviewStage(QWidget* parent = nullptr);
 
-    /// The frame size whose proportions the child takes, in pixels; without a usable one it gets
-    /// all of the room.
-    void setFrameSize(const QSize& size);
+    /// The size whose proportions the child takes; without a usable one it gets all of the room.
+    void setDisplaySize(const QSize& size);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -25,7 +24,7 @@ private:
     void placeChild();
     QWidget* child() const;
 
-    QSize frameSize_;
+    QSize displaySize_;
 };
 
 } // namespace velmora
