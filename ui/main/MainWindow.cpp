@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QFile>
 #include <QFontDatabase>
+#include <QScreen>
 #include <QStyle>
 
 #include <utility>
@@ -45,6 +46,7 @@ MainWindow::MainWindow() : ui_(std::make_unique<Ui::MainWindow>()) {
     // On the contents only: file panels are children of the window and keep the desktop's looks.
     ui_->centralwidget->setStyleSheet(styleSheetText());
     useTabularDigits();
+    fitToScreen();
     ui_->centralwidget->setFocus(); // nothing stands out until the user goes somewhere
 }
 
@@ -68,6 +70,12 @@ void MainWindow::useTabularDigits() {
          {static_cast<QLineEdit*>(ui_->mLabelStart), static_cast<QLineEdit*>(ui_->mLabelEnd),
           ui_->mLabelDuration, ui_->mLabelDrag})
         field->setFont(digits);
+}
+
+/// What does not fit on the screen with the window manager's frame around it is out of reach.
+void MainWindow::fitToScreen() {
+    constexpr QSize usualFrame(16, 40);
+    resize(size().boundedTo(screen()->availableSize() - usualFrame));
 }
 
 void MainWindow::showLoadedStage(const QSize& displaySize) {

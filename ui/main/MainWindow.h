@@ -39,6 +39,7 @@ protected:
 
 private:
     void useTabularDigits();
+    void fitToScreen();
 
     std::unique_ptr<Ui::MainWindow> ui_;
     std::function<void()> closeAction_;
