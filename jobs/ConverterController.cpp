@@ -58,7 +58,7 @@ void ConverterController::loadWindow() {
     if (winConverterController_)
         return;
     winConverterController_ = std::make_unique<ProgressWindow>(owner_);
-    winConverterController_->shouldClose = [this] { return windowShouldClose(); };
+    winConverterController_->windowShouldClose = [this] { return windowShouldClose(); };
     const Ui::ConverterFrom& outlets = winConverterController_->outlets();
     connect(outlets.btCancel, &QPushButton::clicked, this, &ConverterController::closeFrom);
     singleProgress_ = outlets.singleProgress;

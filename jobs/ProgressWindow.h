@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QLabel>
-#include <QWidget>
+#include "PanelWindow.h"
 
-#include <functional>
+#include <QLabel>
+
 #include <memory>
 
 namespace Ui {
@@ -13,7 +13,7 @@ class ConverterFrom;
 namespace velmora {
 
 /// The window of the interface description "ConverterFrom". Main thread.
-class ProgressWindow : public QWidget {
+class ProgressWindow : public PanelWindow {
     Q_OBJECT
 
 public:
@@ -29,13 +29,8 @@ public:
     static void show(QLabel& label, const QString& text);
     using QWidget::show;
 
-    /// Asked when the window is about to close.
-    std::function<bool()> shouldClose;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
     /// Esc cancels.
-    void keyPressEvent(QKeyEvent* event) override;
+    void reject() override;
 
 private:
     std::unique_ptr<Ui::ConverterFrom> outlets_;

@@ -1,6 +1,7 @@
 #include "PanelWindow.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 
 namespace velmora {
 
@@ -10,6 +11,24 @@ PanelWindow::PanelWindow(QWidget* owner) : QDialog(owner) {
 
 void PanelWindow::reject() {
     close();
+}
+
+/// QDialog puts a window over its owner's middle each time it opens. From the second time on it
+/// places the contents as it placed the frame before, and the window jumps by its title's height.
+void PanelWindow::setVisible(bool visible) {
+    if (isVisible() && !visible)
+        place_ = pos();
+    else if (!isVisible() && visible && place_)
+        returnToPlace();
+    QDialog::setVisible(visible);
+}
+
+/// Screens come and go: where the title could not be reached, QDialog is to find a place.
+void PanelWindow::returnToPlace() {
+    if (QGuiApplication::screenAt(*place_ + QPoint(width() / 2, 0)))
+        move(*place_);
+    else
+        setAttribute(Qt::WA_Moved, false);
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {
