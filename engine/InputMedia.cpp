@@ -1,71 +1,22 @@
 #include "InputMedia.h"
 
 #include "EngineLog.h"
-#include "HeaderDecoder.h"
 #include "MediaLimits.h"
-
-extern "C" {
-#include <libavutil/avstring.h>
-}
+#include "StreamInfo.h"
 
 #include <algorithm>
 #include <cmath>
 #include <span>
 #include <utility>
-#include <vector>
 
 namespace velmora {
 namespace {
 
 constexpr double kMicrosecondsPerSecond = 1'000'000.0;
-// How far into the file the first picture may lie before its headers are left unread.
-constexpr int kMaxPacketsBeforePicture = 256;
 
 std::span<AVStream* const> streamsOf(const AVFormatContext& container) {
     return {container.streams, container.nb_streams};
 }
-
-bool hasCostlyHeaders(const AVStream& stream) {
-    return stream.codecpar->codec_id == AV_CODEC_ID_H264 ||
-           stream.codecpar->codec_id == AV_CODEC_ID_HEVC;
-}
-
-/// All decoders but those whose first picture is costly.
-const std::string& cheapDecoders() {
-    static const std::string names = [] {
-        std::string list;
-        void* position = nullptr;
-        while (const AVCodec* codec = av_codec_iterate(&position)) {
-            if (av_codec_is_decoder(codec) != 0 && codec->id != AV_CODEC_ID_H264 &&
-                codec->id != AV_CODEC_ID_HEVC) {
-                list.append(list.empty() ? "" : ",").append(codec->name);
-            }
-        }
-        return list;
-    }();
-    return names;
-}
-
-/// The decoder options of each stream while stream info is read: no picture beyond the limit.
-class StreamOptions {
-public:
-    explicit StreamOptions(unsigned count) : options_(count, nullptr) {
-        for (AVDictionary*& options : options_) {
-            av_dict_set_int(&options, "max_pixels", kMaxPixels, 0);
-        }
-    }
-    StreamOptions(const StreamOptions&) = delete;
-    StreamOptions& operator=(const StreamOptions&) = delete;
-    ~StreamOptions() {
-        for (AVDictionary*& options : options_) {
-            av_dict_free(&options);
-        }
-    }
-    AVDictionary** address() { return options_.data(); }
-
-private:
-    std::vector<AVDictionary*> options_;
-};
 
 /// Truncates; what does not fit becomes the nearest value that does.
 std::int64_t truncated(double value) {
@@ -125,61 +76,20 @@ int InputMedia::readStreamInfo() {
 }
 
 int InputMedia::findStreamInfo() {
-    const bool holdBack = canHoldBackDecoders();
-    if (holdBack) {
-        container_->codec_whitelist = av_strdup(cheapDecoders().c_str());
-    }
-    StreamOptions options(container_->nb_streams);
-    int result = 0;
-    {
-        const ExpectedLogLines expected(ExpectedLogLines::Kind::HeldBackDecoders);
-        result = avformat_find_stream_info(container_.get(), options.address());
-    }
-    if (holdBack) {
-        av_freep(static_cast<void*>(&container_->codec_whitelist));
-        // Matroska stores display times only.
-        guessesDecodingTimes_ = av_match_name("matroska", container_->iformat->name) != 0;
-        readHeldBackParameters();
-    }
-    return result;
-}
-
-// Stream info decodes the first pictures only to learn what their headers say. Where the container
-// itself tells the picture size, the rest is read from the headers much faster.
-bool InputMedia::canHoldBackDecoders() const {
-    bool any = false;
-    for (const AVStream* stream : streamsOf(*container_)) {
-        if (hasCostlyHeaders(*stream)) {
-            const AVCodecParameters& parameters = *stream->codecpar;
-            if (parameters.width <= 0 || parameters.height <= 0 || parameters.extradata_size <= 0) {
-                return false;
-            }
-            any = true;
+    QuickStreamInfo quick(*container_);
+    if (quick.isPossible()) {
+        const int result = quick.read();
+        if (quick.isSure() || isRaised(stop_)) {
+            guessesDecodingTimes_ = quick.guessesDecodingTimes();
+            lookahead_ = quick.takePackets();
+            return result;
+        }
+        container_.reset();
+        if (const int opened = open(); opened < 0) {
+            return opened;
         }
     }
-    return any && (container_->ctx_flags & AVFMTCTX_NOHEADER) == 0;
-}
-
-void InputMedia::readHeldBackParameters() {
-    std::vector<bool> missing;
-    for (const AVStream* stream : streamsOf(*container_)) {
-        missing.push_back(hasCostlyHeaders(*stream));
-    }
-    for (int i = 0; i < kMaxPacketsBeforePicture && std::ranges::count(missing, true) > 0; ++i) {
-        PacketHandle packet(av_packet_alloc());
-        if (packet == nullptr || av_read_frame(container_.get(), packet.get()) < 0) {
-            return;
-        }
-        const auto index = static_cast<std::size_t>(packet->stream_index);
-        if (index < missing.size() && missing[index]) {
-            AVCodecParameters& parameters = *container_->streams[index]->codecpar;
-            missing[index] = !completeFromHeaders(parameters, *packet);
-        }
-        if (guessesDecodingTimes_) {
-            packet->dts = AV_NOPTS_VALUE;
-        }
-        lookahead_.push_back(std::move(packet));
-    }
+    return velmora::readStreamInfo(*container_);
 }
 
 void InputMedia::pickStreams() {

@@ -60,8 +60,6 @@ private:
     static int isStopped(void* self);
     AVStream* stream(int index) const;
     int findStreamInfo();
-    bool canHoldBackDecoders() const;
-    void readHeldBackParameters();
     void pickStreams();
     int openDecoder(const AVStream& stream, CodecContextHandle& decoder);
     std::optional<std::int64_t> bytePosition(double startSeconds) const;
