@@ -194,10 +194,12 @@ double InputMedia::containerStartSeconds() const {
                : static_cast<double>(container_->start_time) / kMicrosecondsPerSecond;
 }
 
-void InputMedia::readVideoOnly() {
-    if (AVStream* audio = audioStream(); audio != nullptr) {
-        audio->discard = AVDISCARD_ALL;
+int InputMedia::knownPlaces() const {
+    int count = 0;
+    for (const AVStream* stream : streamsOf(*container_)) {
+        count += avformat_index_get_entries_count(stream);
     }
+    return count;
 }
 
 AVStream* InputMedia::stream(int index) const {

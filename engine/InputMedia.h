@@ -40,8 +40,9 @@ public:
     /// are then read from their beginning, others from wherever they are.
     int seek(double& startSeconds);
 
-    /// From now on only packets of the video stream are read.
-    void readVideoOnly();
+    /// How many places of the file have been learnt so far, by its index or by reading. With
+    /// others a seek may lead elsewhere.
+    int knownPlaces() const;
 
     const std::string& path() const { return path_; }
     AVFormatContext* container() const { return container_.get(); }

@@ -35,7 +35,7 @@ int Reencoding::setUp(InputMedia& input, OutputMedia& output, bool isFirst,
     if (input.videoStream() != nullptr) {
         result = setUpVideo(input, output, isFirst, pictures);
     }
-    if (result >= 0 && input.audioDecoder() != nullptr) {
+    if (result >= 0 && input.audioStream() != nullptr) {
         result = setUpAudio(input, output, isFirst, pictures.get(), handlers.audio);
     }
     if (result < 0) {
@@ -113,6 +113,9 @@ int Reencoding::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
                            VideoTranscoder* pictures, std::unique_ptr<PacketHandler>& handler) {
     if (!isFirst && output.audioStream() == nullptr) {
         return AVERROR_STREAM_NOT_FOUND;
+    }
+    if (input.audioDecoder() == nullptr) {
+        return 0;
     }
     AudioEncoder encoder;
     int result = encoder.open(audio_, output.format());

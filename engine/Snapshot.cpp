@@ -69,7 +69,7 @@ bool isShownFirst(InputMedia& input, const AVPacket& key) {
     return key.pts != AV_NOPTS_VALUE;
 }
 
-/// The same picture, from the one packet that it needs. An H.264 decoder shows nothing of the
+/// The same picture of H.264, from the one packet that it needs. Its decoder shows nothing of the
 /// pictures before a key picture whose own beginning it has not seen, so they need not be decoded.
 /// Null when that cannot be known; some packets have been read then.
 FrameHandle firstPictureOfKeyPacket(InputMedia& input) {
@@ -150,7 +150,7 @@ int Snapshot::open(const std::string& path) {
         input_.reset();
         return result;
     }
-    input_->readVideoOnly();
+    placesAtStart_ = input_->knownPlaces();
     return 0;
 }
 
@@ -165,24 +165,24 @@ std::optional<double> Snapshot::foundSecondsOfWritten(double askedSeconds,
 
 int Snapshot::findPicture(double& startSeconds, FrameHandle& picture) {
     const double askedSeconds = startSeconds;
-    for (const auto find : {firstPictureOfKeyPacket, firstPictureOfAll}) {
-        startSeconds = askedSeconds;
-        const int result = goTo(startSeconds);
-        if (result < 0) {
-            return result;
-        }
-        picture = find(*input_);
-        if (picture != nullptr) {
-            return 0;
-        }
+    int result = 0;
+    if (input_->videoStream()->codecpar->codec_id == AV_CODEC_ID_H264) {
+        result = goTo(startSeconds);
+        picture = result >= 0 ? firstPictureOfKeyPacket(*input_) : nullptr;
     }
-    return 0;
+    if (result >= 0 && picture == nullptr) {
+        startSeconds = askedSeconds;
+        result = goTo(startSeconds);
+        picture = result >= 0 ? firstPictureOfAll(*input_) : nullptr;
+    }
+    return result;
 }
 
 // Each picture gets a decoder of its own: one that has seen other pictures may show others.
 int Snapshot::goTo(double& startSeconds) {
     const double askedSeconds = startSeconds;
-    const bool found = askedSeconds > 0 && input_->seek(startSeconds) >= 0;
+    const bool isAsOpened = input_->knownPlaces() == placesAtStart_;
+    const bool found = askedSeconds > 0 && isAsOpened && input_->seek(startSeconds) >= 0;
     if (!found && !atStart_) { // reading begins where the file does
         if (const int result = open(std::string(input_->path())); result < 0) {
             return result;

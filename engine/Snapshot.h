@@ -12,8 +12,9 @@ namespace velmora {
 class InputMedia;
 
 /// Takes preview pictures. Keeps the last file open, so that the next picture of it costs a seek
-/// and the decoding of one picture; a file that has changed meanwhile is opened anew. Belongs to
-/// one thread.
+/// and the decoding of one picture. A file is opened anew when it has changed meanwhile, and when
+/// reading has told more of it than its index: a seek would then lead elsewhere than that of a
+/// cut. Belongs to one thread.
 class Snapshot {
 public:
     Snapshot();
@@ -46,7 +47,8 @@ private:
     int goTo(double& startSeconds);
 
     std::unique_ptr<InputMedia> input_;
-    bool atStart_ = false; ///< nothing has been read of the input yet
+    bool atStart_ = false;  ///< nothing has been read of the input yet
+    int placesAtStart_ = 0; ///< known when the input was opened
     std::optional<Written> written_;
 };
 

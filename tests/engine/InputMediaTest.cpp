@@ -94,12 +94,6 @@ TEST(InputMedia, Subtitles_are_not_read) {
     EXPECT_EQ(streamsRead(*media), (std::vector{0, 1}));
 }
 
-TEST(InputMedia, VideoOnly_sound_is_read_no_more) {
-    const auto media = opened("mpeg4.mp4");
-    media->readVideoOnly();
-    EXPECT_EQ(streamsRead(*media), (std::vector{0}));
-}
-
 TEST(InputMedia, StreamWithoutDecoder_is_told_from_one_that_does_not_open) {
     av_log_set_level(AV_LOG_QUIET);
     const auto unknown = opened("unknown-codec.avi");

@@ -23,18 +23,14 @@ InputContextHandle openPlainly(const std::string& path) {
     return InputContextHandle(context);
 }
 
-/// The one that is shown. The others are not read, and so play no part in seeking either.
+/// The one that is shown.
 const AVStream* lastVideoStream(const AVFormatContext& container) {
-    AVStream* last = nullptr;
-    for (AVStream* stream : std::span(container.streams, container.nb_streams)) {
-        stream->discard = AVDISCARD_ALL;
+    const AVStream* last = nullptr;
+    for (const AVStream* stream : std::span(container.streams, container.nb_streams)) {
         if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
             (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0) {
             last = stream;
         }
-    }
-    if (last != nullptr) {
-        last->discard = AVDISCARD_DEFAULT;
     }
     return last;
 }

@@ -1,5 +1,6 @@
 #include "ConversionEngine.h"
 #include "EngineLog.h"
+#include "JobSupport.h"
 #include "SnapshotReference.h"
 #include "TestMedia.h"
 
@@ -124,6 +125,34 @@ TEST_P(SnapshotOf, TimesInAnyOrder_pictures_are_the_plain_ones) {
 
 INSTANTIATE_TEST_SUITE_P(Media, SnapshotOf, ::testing::ValuesIn(videoMedia()),
                          [](const auto& tested) { return asTestName(tested.param); });
+
+/// Files of the same pictures, with a key picture every one and a half seconds, in containers that
+/// do not tell where these are, or only after a search.
+std::vector<std::string> unindexedMedia() {
+    const std::string source = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=160x90:rate=24:duration=8 -f lavfi -i sine=duration=8 "
+        "-c:v libx264 -preset veryfast -g 36 -bf 2 -pix_fmt yuv420p -c:a aac",
+        "indexed.mp4");
+    const std::string copy = "-i " + source + " -c copy ";
+    return {mediaMadeBy(copy + "-flvflags no_duration_filesize+no_metadata", "live.flv"),
+            mediaMadeBy(copy + "-live 1", "live.mkv"),
+            mediaMadeBy(copy + "-cues_to_front 0 -cluster_time_limit 100", "cues.mkv"),
+            mediaMadeBy(copy + "-seekable 0 -write_index 0", "unindexed.avi"),
+            mediaMadeBy(copy, "searched.asf"),
+            mediaMadeBy(copy + "-movflags frag_keyframe+empty_moov", "fragments.mp4"),
+            mediaMadeBy(copy, "packets.ts"),
+            mediaMadeBy(copy + "-an -bsf:v h264_mp4toannexb", "raw.h264")};
+}
+
+TEST_F(Snapshots, WithoutAnIndex_pictures_are_the_plain_ones_in_any_order) {
+    av_log_set_level(AV_LOG_QUIET);
+    for (const std::string& path : unindexedMedia()) {
+        for (const double time : {3.5, 0.0, 7.4, 4.6, 1.2, 6.1, 3.5, 2.9}) {
+            SCOPED_TRACE(path + " at " + std::to_string(time));
+            expectPlainPicture(path, time);
+        }
+    }
+}
 
 TEST_F(Snapshots, StartOfTheFile_picture_is_the_first) {
     ASSERT_EQ(take(mediaPath("h264-bframes.mp4"), 0.0), 0);
