@@ -142,6 +142,10 @@ void completeAudio(AVCodecParameters& parameters) {
         parameters.codec_id == AV_CODEC_ID_AC3) {
         parameters.block_align = 0;
     }
+    // Where a codec has but one, readers of its streams do not tell, and muxers ask for it.
+    if (parameters.frame_size == 0) {
+        parameters.frame_size = av_get_audio_frame_duration2(&parameters, 0);
+    }
     if (parameters.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
         av_channel_layout_default(&parameters.ch_layout, parameters.ch_layout.nb_channels);
     }

@@ -214,5 +214,54 @@ TEST_F(CopySoundOfAvi, AacInAvi_keeps_its_times) {
     }
 }
 
+class CopySpeech : public JobTest {
+protected:
+    /// A phone's film with a hundred frames of sound, each `header` and `size` bytes of it.
+    std::string film(const std::string& magic, char header, std::size_t size) {
+        std::string speech = magic;
+        for (int frame = 0; frame < 100; ++frame) {
+            speech += header;
+            for (std::size_t i = 0; i < size; ++i) {
+                speech += static_cast<char>(i * 37);
+            }
+        }
+        const std::string sound = folder_ / "speech.amr";
+        writeFile(sound, speech);
+        const std::string path = folder_ / "speech.3gp";
+        const ProgramResult made =
+            runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", mediaPath("mpeg4.mp4"), "-i",
+                        sound, "-map", "0:v", "-map", "1:a", "-c", "copy", path});
+        EXPECT_EQ(made.status, 0) << made.errors;
+        return path;
+    }
+
+    void expectCopied(const std::string& source, int samples, int rate) {
+        for (const char* name : {"out.3gp", "out.mov", "out.mkv"}) {
+            const std::string output = folder_ / name;
+            const AtLogLine unknownSize("frame size is not set", [](int) {});
+            EXPECT_EQ(join({source}, output).states, std::vector{1}) << name;
+            EXPECT_EQ(unknownSize.seen(), 0) << name;
+
+            const StreamFacts from = streamOf(source, "a:0");
+            const StreamFacts copy = streamOf(output, "a:0");
+            ASSERT_EQ(copy.packets.size(), from.packets.size()) << name;
+            const Numbering numbering(copy.timeBase, {1, rate});
+            for (std::size_t i = 0; i < copy.packets.size(); ++i) {
+                EXPECT_EQ(copy.packets[i].hash, from.packets[i].hash);
+                EXPECT_EQ(copy.packets[i].dts,
+                          numbering.at(static_cast<std::int64_t>(i) * samples));
+            }
+        }
+    }
+};
+
+TEST_F(CopySpeech, NarrowBand_keeps_its_packets_and_their_size) {
+    expectCopied(film("#!AMR\n", 0x3c, 31), 160, 8000);
+}
+
+TEST_F(CopySpeech, WideBand_keeps_its_packets_and_their_size) {
+    expectCopied(film("#!AMR-WB\n", 0x44, 60), 320, 16000);
+}
+
 } // namespace
 } // namespace velmora::test

@@ -300,6 +300,14 @@ TEST_F(ReencodeSilence, SoundOfTheFirstJoinedInputThatCannotBeDecoded_is_replace
     EXPECT_NEAR(beeps[0], flashes[1], 0.07);
 }
 
+TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_fails_where_the_first_had_none) {
+    const std::string unknown = folder_ / "unknown.avi";
+    forgetSoundCodec(signalOf("mpeg4"), unknown);
+    const std::string silent = mediaMadeBy("-i @mpeg4.mp4 -c copy -an", "silent.mp4");
+
+    EXPECT_EQ(join({silent, unknown}, output_).states, (std::vector{1, 2}));
+}
+
 TEST_F(ReencodeSilence, SoundOfTheFirstInputThatCannotBeDecoded_is_left_out) {
     const std::string unknown = folder_ / "unknown.avi";
     forgetSoundCodec(signalOf("mpeg4"), unknown);

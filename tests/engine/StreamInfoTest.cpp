@@ -113,6 +113,30 @@ TEST_F(StreamInfo, PicturesWithoutAPattern_same_as_read_plainly) {
     }
 }
 
+// Decoding times without a pattern leave the rate to what the headers say.
+TEST_F(StreamInfo, RateOfTheHeaders_same_as_read_plainly) {
+    const std::string irregular =
+        mediaMadeBy(pictures("30") +
+                        " -vf setpts='(N+0.4*sin(N*N))/30/TB' -vsync vfr "
+                        "-enc_time_base 1:90000 -video_track_timescale 90000" +
+                        kX264,
+                    "irregular.mp4");
+    for (const char* rate : {"20", "50", "120"}) {
+        for (const char* name : {"told.mp4", "told.mov", "told.mkv"}) {
+            expectPlain("-i " + irregular +
+                            " -c copy -video_track_timescale 90000 "
+                            "-bsf:v h264_metadata=tick_rate=" +
+                            rate,
+                        name);
+        }
+    }
+}
+
+TEST_F(StreamInfo, TextLongBeforeThePictures_start_is_the_same) {
+    expectPlain("-i @subtitles.mkv -itsoffset 3 " + pictures("25") + " -map 1:v -map 0:s" + kX264,
+                "text.mkv");
+}
+
 TEST_F(StreamInfo, SoundOfVaryingBitRate_same_as_read_plainly) {
     const std::string noise = " -f lavfi -i anoisesrc=a=0.1,volume='min(t,1)':eval=frame";
     expectPlain(pictures("25", noise) + " -shortest -c:a libmp3lame -q:a 3" + kX264, "varying.mkv");
