@@ -23,16 +23,26 @@ InputContextHandle openPlainly(const std::string& path) {
     return InputContextHandle(context);
 }
 
-/// The one that is shown.
+/// The one that is shown. As in a cut, what is neither it nor the last sound is not read, and so
+/// plays no part in seeking either.
 const AVStream* lastVideoStream(const AVFormatContext& container) {
-    const AVStream* last = nullptr;
-    for (const AVStream* stream : std::span(container.streams, container.nb_streams)) {
-        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-            (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0) {
-            last = stream;
+    AVStream* video = nullptr;
+    AVStream* audio = nullptr;
+    for (AVStream* stream : std::span(container.streams, container.nb_streams)) {
+        stream->discard = AVDISCARD_ALL;
+        const bool isAttached = (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !isAttached) {
+            video = stream;
+        } else if (stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            audio = stream;
         }
     }
-    return last;
+    for (AVStream* read : {video, audio}) {
+        if (read != nullptr) {
+            read->discard = AVDISCARD_DEFAULT;
+        }
+    }
+    return video;
 }
 
 CodecContextHandle openDecoder(const AVStream& stream) {

@@ -106,7 +106,8 @@ TEST_F(StreamInfo, PicturesWithoutAPattern_same_as_read_plainly) {
     for (const char* times :
          {"N*N/400/TB", "N/1000/TB+random(0)/TB", "(N/30+gt(N\\,9)*0.013)/TB"}) {
         for (const char* name : {"variable.mp4", "variable.mkv"}) {
-            expectPlain(pictures("30") + " -vf setpts='" + times + "' -vsync vfr -enc_time_base " +
+            expectPlain(pictures("30") + " -vf settb=1/90000,setpts='" + times +
+                            "' -vsync vfr -enc_time_base " +
                             "1:90000 -video_track_timescale 90000" + kX264,
                         name);
         }
@@ -117,7 +118,7 @@ TEST_F(StreamInfo, PicturesWithoutAPattern_same_as_read_plainly) {
 TEST_F(StreamInfo, RateOfTheHeaders_same_as_read_plainly) {
     const std::string irregular =
         mediaMadeBy(pictures("30") +
-                        " -vf setpts='(N+0.4*sin(N*N))/30/TB' -vsync vfr "
+                        " -vf settb=1/90000,setpts='(N+0.4*sin(N*N))/30/TB' -vsync vfr "
                         "-enc_time_base 1:90000 -video_track_timescale 90000" +
                         kX264,
                     "irregular.mp4");
@@ -158,7 +159,8 @@ TEST_F(StreamInfo, WhatCamerasWrite_is_read_without_decoders) {
     }
     // Phones make pictures when there is light enough.
     EXPECT_TRUE(isReadQuickly(mediaMadeBy(
-        pictures("30") + " -vf setpts='(N/30+gt(N\\,9)*0.013)/TB' -vsync vfr -enc_time_base " +
+        pictures("30") +
+            " -vf settb=1/90000,setpts='(N/30+gt(N\\,9)*0.013)/TB' -vsync vfr -enc_time_base " +
             "1:90000 -video_track_timescale 90000" + kX264,
         "variable.mp4")));
 }
