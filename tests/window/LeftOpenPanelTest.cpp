@@ -131,6 +131,8 @@ TEST_F(LeftOpenPanelTest, cutter_closedWithItsEditor_leavesTheSettingOfTheNewVid
         controller_.mouseDownListener(media("video-only.mp4"));
         EXPECT_EQ(modalWindow(), nullptr);
         EXPECT_FALSE(panel("SettingFrom").isVisible());
+        if (modalWindow())
+            modalWindow()->close(); // else the test would wait for ever
     });
     cutterPanel().findChild<QPushButton*>("mButCustomize")->click();
     EXPECT_TRUE(seen);

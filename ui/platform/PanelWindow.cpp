@@ -13,8 +13,8 @@ void PanelWindow::reject() {
     close();
 }
 
-/// QDialog puts a window over its owner's middle each time it opens. From the second time on it
-/// places the contents as it placed the frame before, and the window jumps by its title's height.
+/// QDialog puts a window over its owner's middle each time it opens, also one that the user has
+/// moved; and one with a frame lower by its title than the first time.
 void PanelWindow::setVisible(bool visible) {
     if (isVisible() && !visible)
         place_ = pos();
