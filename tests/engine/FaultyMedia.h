@@ -22,6 +22,8 @@ public:
         std::function<bool(const AVCodecContext&, const AVFrame*)> encode = {};
         std::function<bool(const AVFrame&)> allocate = {}; ///< the memory of a frame
         std::function<bool(int samples)> queue = {};       ///< of sound
+        /// Decides nothing: changes what has been found out about the streams of an input.
+        std::function<void(AVFormatContext&)> describe = {};
     };
 
     explicit FaultyMedia(Decisions decisions);
