@@ -7,6 +7,7 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -70,6 +71,23 @@ TEST_F(OpenPanelTest, files_severalChosen_givesAllPathsInOrder) {
     type(*open(OpenPanelChoice::Files), "\"b.txt\" \"a.mp4\"");
     EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList({path("b.txt"), path("a.mp4")}));
+}
+
+TEST_F(OpenPanelTest, files_severalMarkedByMouse_givesAllPaths) {
+    QFileDialog* const panel = open(OpenPanelChoice::Files);
+    panel->setViewMode(QFileDialog::List);
+    auto& list = *panel->findChild<QListView*>("listView");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.model()->rowCount(list.rootIndex()) == 3; }));
+    for (int row = 0; row < 3; ++row) {
+        const QModelIndex entry = list.model()->index(row, 0, list.rootIndex());
+        if (entry.data() != "inner")
+            QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::ControlModifier,
+                              list.visualRect(entry).center());
+    }
+    QTest::keyClick(panel->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
+    EXPECT_EQ(result(), 1);
+    paths_.sort();
+    EXPECT_EQ(paths_, QStringList({path("a.mp4"), path("b.txt")}));
 }
 
 TEST_F(OpenPanelTest, files_offersFilesOfAnyType) {

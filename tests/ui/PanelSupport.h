@@ -56,6 +56,8 @@ public:
     using Panel::mProfileArray;
     using Panel::mSetInfo;
     using Panel::mVideoEncoder;
+    using Panel::newJob;
+    using Panel::takeOutput;
 
 protected:
     QString profilePath() const override {
