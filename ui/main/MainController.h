@@ -112,11 +112,12 @@ public:
     MainWindow& mainWin() { return *mainWin_; }
     bool isTerminating() const { return terminating_; }
 
-    // What the cutter has loaded and the user has marked. Read by tests.
+    // What the cutter has loaded, the user has marked and the info list tells. Read by tests.
     const QString& filename() const { return filename_; }
     float duration() const { return mDuration; }
     float labelValue() const { return mLabelValue; }
     bool addFileInitialized() const { return mAddFileInitialized; }
+    const QString& version() const { return version_; }
 
 private:
     void connectActions();
@@ -158,7 +159,7 @@ private:
     SnapshotMark markOf(const QString& path) const;
 
     std::optional<SnapshotMark> shown_;
-    QString version_; ///< as the info list tells it; shown nowhere
+    QString version_; ///< shown nowhere
     QString filename_;
     float mDuration = 0;
     std::int64_t mStartValMs = 0;
