@@ -49,6 +49,7 @@ TEST_F(PanelWindowPlaceTest, again_opensWhereItWasLeft) {
 
 TEST_F(PanelWindowPlaceTest, again_withoutTheScreenItWasOn_opensOverItsOwner) {
     panel_.show();
+    reopen();
     panel_.windowHandle()->setPosition(5000, 5000);
     QApplication::processEvents();
     reopen();

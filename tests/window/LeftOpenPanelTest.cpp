@@ -128,7 +128,7 @@ TEST_F(LeftOpenPanelTest, cutter_closedWithItsEditor_leavesTheSettingOfTheNewVid
     bool seen = false;
     QTimer::singleShot(0, &controller_, [this, &seen] {
         seen = modalWindow() && modalWindow()->objectName() == "SettingFrom";
-        controller_.mouseDownListener(media("video-only.mp4"));
+        controller_.mouseDownListener(media("two-h264.mp4"));
         EXPECT_EQ(modalWindow(), nullptr);
         EXPECT_FALSE(panel("SettingFrom").isVisible());
         if (modalWindow())
@@ -137,7 +137,7 @@ TEST_F(LeftOpenPanelTest, cutter_closedWithItsEditor_leavesTheSettingOfTheNewVid
     cutterPanel().findChild<QPushButton*>("mButCustomize")->click();
     EXPECT_TRUE(seen);
     EXPECT_FALSE(cutterPanel().isVisible());
-    EXPECT_EQ(currentSetting->cutEndTime, 4000.0F); // of the new video
+    EXPECT_EQ(currentSetting->cutEndTime, 3000.0F); // of the new video, the other has 4 s
     press("mButtonCutterAdd");
     EXPECT_TRUE(isPanelOpen()); // nothing is blocked
 }
