@@ -47,6 +47,12 @@ TEST_F(PanelWindowPlaceTest, again_opensWhereItWasLeft) {
     EXPECT_EQ(panel_.pos(), moved);
 }
 
+TEST_F(PanelWindowPlaceTest, again_stillBelongsToItsOwner) {
+    panel_.show();
+    reopen();
+    EXPECT_EQ(panel_.windowHandle()->transientParent(), owner_.windowHandle());
+}
+
 TEST_F(PanelWindowPlaceTest, again_withoutTheScreenItWasOn_opensOverItsOwner) {
     panel_.show();
     reopen();

@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QWindow>
 
 namespace velmora {
 
@@ -17,17 +18,19 @@ void PanelWindow::reject() {
 /// moved; and one with a frame lower by its title than the first time.
 void PanelWindow::setVisible(bool visible) {
     if (isVisible() && !visible)
-        place_ = pos();
+        place_ = windowHandle()->framePosition();
     else if (!isVisible() && visible && place_)
         returnToPlace();
     QDialog::setVisible(visible);
 }
 
-/// Screens come and go: where the title could not be reached, QDialog is to find a place.
+/// A window that has been on screen may take the place for that of its contents, depending on when
+/// it has heard of its frame; a new one takes it for that of its frame.
 void PanelWindow::returnToPlace() {
+    destroy();
     if (QGuiApplication::screenAt(*place_ + QPoint(width() / 2, 0)))
         move(*place_);
-    else
+    else // the screen has gone, so QDialog is to find a place
         setAttribute(Qt::WA_Moved, false);
 }
 
