@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the missing Debian 12 packages of the named groups: build, run, test, check, coverage, fuzz,
-# package.
+# mutants, package.
 set -euo pipefail
 
 packages=()
@@ -15,6 +15,7 @@ for group in "$@"; do
         check) packages+=(clang-format clang-tidy) ;;
         package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;
+        mutants) packages+=(python3-clang) ;;
         fuzz)  packages+=(clang libclang-rt-14-dev libplist-utils ffmpeg) ;;
         *)     echo "setup: unknown group '$group'" >&2; exit 2 ;;
     esac
