@@ -1,4 +1,6 @@
 #include "ConversionEngine.h"
+#include "EngineLog.h"
+#include "EngineProgress.h"
 #include "MediaOperations.h"
 #include "Probe.h"
 #include "Run.h"
@@ -8,17 +10,68 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
+#include <exception>
+
 namespace velmora {
 namespace {
+
+void storeFrameRate(ConversionEngine& engine, AVRational rate) {
+    if (rate.den != 0) {
+        engine.sourceFrameRate = rate.num / rate.den; // divided as integers
+    }
+    engine.sourceFrameRateNum = rate.num;
+    engine.sourceFrameRateDen = rate.den;
+}
+
+/// Without a video stream the frame rate keeps what it was.
+void storeVideo(ConversionEngine& engine, const std::optional<ProbeResults::Video>& found) {
+    const auto video = found.value_or(ProbeResults::Video());
+    engine.sourceHeight = video.height;
+    engine.sourceWidth = video.width;
+    engine.videoCodecId = video.codecId;
+    engine.videoBitRate = video.bitRate;
+    if (found) {
+        storeFrameRate(engine, video.frameRate);
+    }
+}
+
+void storeAudio(ConversionEngine& engine, const ProbeResults::Audio& audio) {
+    engine.audioCodecId = audio.codecId;
+    engine.audioChannels = audio.channels;
+    engine.audioSampleRate = audio.sampleRate;
+    engine.audioBitRate = audio.bitRate;
+}
+
+void storeStreams(ConversionEngine& engine, const std::optional<ProbeResults::Streams>& found) {
+    engine.videoStreamIndex = found ? found->videoIndex : -1;
+    engine.audioStreamIndex = found ? found->audioIndex : -1;
+    if (found) {
+        engine.streamCount = found->count;
+    }
+}
+
+void storeDuration(ConversionEngine& engine, std::int64_t durationUs) {
+    engine.durationUs = durationUs;
+    engine.durationFloor = 0;
+    engine.durationSeconds = durationUs / AV_TIME_BASE;
+}
+
+void refuse(const Job& job, ConversionEngine& engine) {
+    av_log(nullptr, AV_LOG_ERROR, "a job of %d inputs is larger than %zu\n", job.inputCount,
+           ConversionEngine::kMaxInputs);
+    for (auto& state : engine.fileStates) {
+        state = ConversionEngine::Failed;
+    }
+    engine.currentPercent = 0;
+    engine.currentIndex = job.inputCount;
+}
 
 class LibavOperations final : public MediaOperations {
 public:
     LibavOperations() { routeLibraryLog(); }
 
-    std::int32_t probe(ConversionEngine& engine) override {
-        return velmora::probe(engine, sampleAspectRatio_);
-    }
-    void run(const Job& job, ConversionEngine& engine) override { velmora::run(job, engine); }
+    std::int32_t probe(ConversionEngine& engine) override;
+    void run(const Job& job, ConversionEngine& engine) override;
     std::int32_t snapshot(ConversionEngine& engine) override;
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
     const char* codecName(std::int32_t codecId) override {
@@ -30,6 +83,35 @@ private:
     Snapshot snapshot_;
     SampleAspectRatio sampleAspectRatio_;
 };
+
+std::int32_t LibavOperations::probe(ConversionEngine& engine) {
+    const ProbeResults results = velmora::probe(engine.probePath);
+    storeStreams(engine, results.streams);
+    if (results.code == ProbeResults::Success) {
+        storeVideo(engine, results.video);
+        storeAudio(engine, results.audio);
+        storeDuration(engine, results.durationUs);
+        sampleAspectRatio_ = results.video.value_or(ProbeResults::Video()).aspect;
+    }
+    return results.code;
+}
+
+void LibavOperations::run(const Job& job, ConversionEngine& engine) {
+    if (job.inputCount > static_cast<std::int32_t>(ConversionEngine::kMaxInputs)) {
+        refuse(job, engine);
+        return;
+    }
+    EngineProgress progress(engine, job.inputCount);
+    if (job.inputCount == 0) {
+        return;
+    }
+    try {
+        velmora::run(job, progress, engine.stopRequested);
+    } catch (const std::exception& failure) { // without memory or threads
+        av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());
+        progress.failPending();
+    }
+}
 
 std::int32_t LibavOperations::snapshot(ConversionEngine& engine) {
     const std::int32_t index = engine.currentIndex;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "EngineLog.h"
+#include "LogSink.h"
 #include "SampleAspectRatio.h"
 
 #include <cstdint>

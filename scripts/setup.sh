@@ -10,9 +10,9 @@ for group in "$@"; do
                           libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
                           libplist-dev libxcb1-dev qt6-base-dev) ;;
         run)   packages+=(ffmpeg xvfb openbox xdotool imagemagick fonts-dejavu-core) ;;
-        test)  packages+=(ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick
+        test)  packages+=(python3 ffmpeg libgtest-dev clang-format xvfb openbox xdotool imagemagick
                           fonts-dejavu-core libplist-utils x11-utils) ;;
-        check) packages+=(clang-format clang-tidy) ;;
+        check) packages+=(python3 clang-format clang-tidy) ;;
         package) packages+=(lintian appstream desktop-file-utils dpkg-dev man-db debootstrap) ;;
         coverage) packages+=(gcovr) ;;
         mutants) packages+=(python3-clang) ;;

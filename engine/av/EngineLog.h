@@ -1,11 +1,10 @@
 #pragma once
 
+#include "LogSink.h"
+
 #include <string>
 
 namespace velmora {
-
-/// Takes one line of the media libraries' log, with its end, on whichever thread it was written.
-using LogSink = void (*)(const char* line);
 
 /// Routes the log of the engine and of the media libraries, up to the libraries' log level, to
 /// `sink` (null: the libraries' own way of writing to standard error). May be called at any time
