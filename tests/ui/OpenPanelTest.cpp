@@ -68,7 +68,7 @@ TEST_F(OpenPanelTest, file_chosen_givesItsPath) {
 }
 
 TEST_F(OpenPanelTest, files_severalChosen_givesAllPathsInOrder) {
-    type(*open(OpenPanelChoice::Files), "\"b.txt\" \"a.mp4\"");
+    type(*open(OpenPanelChoice::Files), R"("b.txt" "a.mp4")");
     EXPECT_EQ(result(), 1);
     EXPECT_EQ(paths_, QStringList({path("b.txt"), path("a.mp4")}));
 }
