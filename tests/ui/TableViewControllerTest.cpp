@@ -110,6 +110,15 @@ TEST_F(TableViewControllerTest, setObjectValue_otherColumnOrRow_changesNothing) 
     EXPECT_TRUE(reloads.isEmpty());
 }
 
+TEST_F(TableViewControllerTest, setData_otherThanTheCheckBox_isRefused) {
+    EXPECT_FALSE(table_.setData(table_.index(0, 0), Qt::Checked, Qt::EditRole));
+    EXPECT_FALSE(table_.setData(table_.index(0, 1), Qt::Checked, Qt::CheckStateRole));
+    EXPECT_FALSE(table_.setData({}, Qt::Checked, Qt::CheckStateRole));
+    EXPECT_EQ(item(0).isSeleted, 0);
+    EXPECT_TRUE(table_.setData(table_.index(0, 0), Qt::Checked, Qt::CheckStateRole));
+    EXPECT_EQ(item(0).isSeleted, 1);
+}
+
 TEST_F(TableViewControllerTest, table_clickOnTheCheckBox_togglesTheItem) {
     QTableView view;
     view.setModel(&table_);
