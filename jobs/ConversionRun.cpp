@@ -37,7 +37,7 @@ void ConversionRun::start() {
         });
     } catch (const std::exception& failure) {
         platformLog(QString("the run cannot be started: %1").arg(failure.what()));
-        latest_ = nullptr; // the engine is free, and has the results of the run before
+        latest_ = nullptr; // the engine is free; the states in it are of the run before
         ended_ = true;
     }
 }

@@ -9,10 +9,13 @@ QString lastPart(const QString& path) {
 
 } // namespace
 
+QString textAfterLastDot(const QString& text) {
+    const qsizetype dot = text.lastIndexOf('.');
+    return dot >= 0 ? text.mid(dot + 1) : QString();
+}
+
 QString pathExtension(const QString& path) {
-    const QString name = lastPart(path);
-    const qsizetype dot = name.lastIndexOf('.');
-    return dot >= 0 ? name.mid(dot + 1) : QString();
+    return textAfterLastDot(lastPart(path));
 }
 
 QString fileNameWithoutExtension(const QString& path) {

@@ -4,6 +4,9 @@
 
 namespace velmora {
 
+/// What follows the last dot of a text; empty without a dot.
+QString textAfterLastDot(const QString& text);
+
 /// What follows the last dot of the path's last part, as written; empty without a dot. Also of a
 /// name that begins with its only dot.
 QString pathExtension(const QString& path);

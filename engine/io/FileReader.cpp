@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace velmora {
@@ -42,6 +43,25 @@ int FileReader::open(const std::string& path) {
         return AVERROR(ENOMEM);
     }
     return 0;
+}
+
+std::string FileReader::beginning(std::size_t bytes) const {
+    struct stat status {};
+    if (fstat(file_.get(), &status) != 0) {
+        return {};
+    }
+    std::string content(std::min(bytes, static_cast<std::size_t>(status.st_size)), '\0');
+    std::size_t count = 0;
+    while (count < content.size()) {
+        const ssize_t got = pread(file_.get(), content.data() + count, content.size() - count,
+                                  static_cast<off_t>(count));
+        if (got <= 0 && !(got < 0 && errno == EINTR)) {
+            break;
+        }
+        count += static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+    }
+    content.resize(count);
+    return content;
 }
 
 int FileReader::readPacket(void* opaque, std::uint8_t* buffer, int size) {

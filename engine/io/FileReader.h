@@ -24,6 +24,8 @@ public:
     int open(const std::string& path);
 
     AVIOContext* io() const { return io_.get(); }
+    /// The first bytes of the file, at most as many as asked for; what `io` reads next stays.
+    std::string beginning(std::size_t bytes) const;
     /// As the file was when it was opened.
     const FileIdentity& identity() const { return identity_; }
 

@@ -168,7 +168,8 @@ Step JobRun::beginOutput() {
         return Step::Continue;
     }
     if (outputIsAnInput()) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input\n", job_.outputPaths[0].c_str());
+        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input, or may be part of one\n",
+               job_.outputPaths[0].c_str());
         return Step::InputFailed;
     }
     copyFileTags(*input_->container(), output_->tags());
@@ -179,7 +180,8 @@ bool JobRun::outputIsAnInput() const {
     const auto output = FileIdentity::ofPath(job_.outputPaths[0]);
     return output && std::ranges::any_of(job_.inputPaths, [&](const std::string& path) {
                const auto input = FileIdentity::ofPath(path);
-               return input && input->isSameFile(*output);
+               return (input && input->isSameFile(*output)) ||
+                      InputFiles::mayName(path, job_.outputPaths[0]);
            });
 }
 

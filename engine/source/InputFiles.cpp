@@ -2,6 +2,7 @@
 
 #include "EngineLog.h"
 #include "FileIdentity.h"
+#include "PlayList.h"
 
 extern "C" {
 #include <libavutil/avstring.h>
@@ -21,6 +22,9 @@ namespace velmora {
 namespace {
 
 namespace fs = std::filesystem;
+
+// A list of lists opens each of them and the beginning of what it names, some dozens in all.
+constexpr int kMaxFilesForHeader = 256;
 
 /// Finds a file without opening it for reading, so that a device or a pipe does not notice.
 FileDescriptor find(const std::string& path) {
@@ -56,7 +60,16 @@ InputFiles::InputFiles(std::string path, const StopFlag* stop)
 int InputFiles::open() {
     const fs::path folder = fs::path(path_).parent_path();
     folder_ = find(folder.empty() ? "." : folder.string());
-    return input_.open(path_);
+    const int result = input_.open(path_);
+    return result >= 0 && isEndlessPlayList(input_) ? AVERROR_INVALIDDATA : result;
+}
+
+bool InputFiles::mayName(const std::string& path, const std::string& other) {
+    InputFiles input(path, nullptr);
+    const FileDescriptor file = find(other);
+    input.open();
+    return file.isOpen() && input.input_.io() != nullptr && isPlayList(input.input_) &&
+           input.mayBeRead(file);
 }
 
 int InputFiles::attachTo(AVFormatContext& context) {
@@ -100,7 +113,7 @@ int InputFiles::closeNested(AVFormatContext* context, AVIOContext* io) {
 
 int InputFiles::openNested(const char* url, AVIOContext** io) {
     auto reader = std::make_unique<FileReader>(stop_);
-    const int result = openWhereAllowed(url, *reader);
+    const int result = openAllowed(url, *reader);
     if (result < 0) {
         logFailure(path_, ("open nested file " + std::string(url)).c_str(), result);
         return result;
@@ -108,6 +121,14 @@ int InputFiles::openNested(const char* url, AVIOContext** io) {
     *io = reader->io();
     nested_.push_back(std::move(reader));
     return 0;
+}
+
+int InputFiles::openAllowed(const char* url, FileReader& reader) {
+    if (readsHeader_ && ++openedForHeader_ > kMaxFilesForHeader) {
+        return AVERROR(EMFILE);
+    }
+    const int result = openWhereAllowed(url, reader);
+    return result >= 0 && isEndlessPlayList(reader) ? AVERROR_INVALIDDATA : result;
 }
 
 int InputFiles::openWhereAllowed(const char* url, FileReader& reader) const {

@@ -15,8 +15,9 @@ namespace velmora {
 /// names, such as the parts of a play list. Owns all that are open. Belongs to one thread.
 ///
 /// A nested file is opened only when it is a regular file in the folder of the input's name or
-/// below that folder, with links resolved; everything else is refused and logged. Demuxers that
-/// open nested files past the context which they were given open nothing.
+/// below that folder, with links resolved; everything else is refused and logged, and so is a play
+/// list without an end, the input itself included. Demuxers that open nested files past the context
+/// which they were given open nothing.
 class InputFiles {
 public:
     /// Reads of any of the files fail with AVERROR_EXIT once `stop` is raised; null: never.
@@ -31,6 +32,13 @@ public:
     /// Makes a new context read from here, now and for what is nested; it must be closed before
     /// this goes away. 0, or a negative code; the context then is as it was.
     int attachTo(AVFormatContext& context);
+    /// The context's header has been read: from now on any number of nested files may be opened,
+    /// one after another. Before, a list that leads back to itself would never come to an end.
+    void endHeader() { readsHeader_ = false; }
+
+    /// Whether the input at `path` may read the file at `other` as a nested one: it is a play list
+    /// and the file lies where it may be. False when one of them cannot be found.
+    static bool mayName(const std::string& path, const std::string& other);
 
     /// The input's name, such that libavformat cannot take it for an address.
     std::string url() const;
@@ -43,6 +51,7 @@ private:
     static int closeNested(AVFormatContext* context, AVIOContext* io);
 
     int openNested(const char* url, AVIOContext** io);
+    int openAllowed(const char* url, FileReader& reader);
     int openWhereAllowed(const char* url, FileReader& reader) const;
     bool mayBeRead(const FileDescriptor& file) const;
 
@@ -51,6 +60,8 @@ private:
     FileDescriptor folder_; ///< where nested files may be; none may when it is closed
     FileReader input_;
     std::vector<std::unique_ptr<FileReader>> nested_;
+    bool readsHeader_ = true;
+    int openedForHeader_ = 0; ///< nested files
 };
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "EngineLog.h"
 #include "MediaLimits.h"
+#include "SourceStreams.h"
 #include "StreamInfo.h"
 
 #include <algorithm>
@@ -13,10 +14,6 @@ namespace velmora {
 namespace {
 
 constexpr double kMicrosecondsPerSecond = 1'000'000.0;
-
-std::span<AVStream* const> streamsOf(const AVFormatContext& container) {
-    return {container.streams, container.nb_streams};
-}
 
 /// Truncates; what does not fit becomes the nearest value that does.
 std::int64_t truncated(double value) {
@@ -35,11 +32,6 @@ bool seeksByBytes(const AVFormatContext& container) {
 
 } // namespace
 
-bool isVideoStream(const AVStream& stream) {
-    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
-}
-
 InputMedia::InputMedia(std::string path, const StopFlag* stop)
     : path_(std::move(path)), stop_(stop), files_(path_, stop) {}
 
@@ -54,6 +46,7 @@ int InputMedia::open() {
         AVFormatContext* context = container_.release(); // freed and null after a failure
         result = avformat_open_input(&context, files_.url().c_str(), nullptr, nullptr);
         container_.reset(context);
+        files_.endHeader();
     }
     if (result < 0) {
         logFailure(path_, "open", result);

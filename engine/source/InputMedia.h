@@ -78,7 +78,4 @@ private:
     bool guessesDecodingTimes_ = false; ///< the library, without knowing the decoder's delay
 };
 
-/// A stream of pictures that follow each other in time, other than an attached picture.
-bool isVideoStream(const AVStream& stream);
-
 } // namespace velmora

@@ -3,6 +3,7 @@
 #include "EngineLog.h"
 #include "HeaderDecoder.h"
 #include "MediaLimits.h"
+#include "SourceStreams.h"
 
 extern "C" {
 #include <libavutil/avstring.h>
@@ -19,10 +20,6 @@ namespace {
 constexpr std::size_t kMostPackets = 256;
 // After so many pictures the library has found decoding times, however far coding runs ahead.
 constexpr std::int64_t kPicturesToSettleTimes = 20;
-
-std::span<AVStream* const> streamsOf(const AVFormatContext& container) {
-    return {container.streams, container.nb_streams};
-}
 
 bool isCostly(const AVStream& stream) {
     return stream.codecpar->codec_id == AV_CODEC_ID_H264 ||
@@ -56,11 +53,6 @@ bool dependsOnPacketsSeen(const AVStream& stream) {
 bool isText(const AVStream& stream) {
     return stream.codecpar->codec_type == AVMEDIA_TYPE_SUBTITLE ||
            stream.codecpar->codec_type == AVMEDIA_TYPE_DATA;
-}
-
-bool isMovingPicture(const AVStream& stream) {
-    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
 }
 
 /// All decoders but those whose first picture is costly.
@@ -132,7 +124,7 @@ bool QuickStreamInfo::tellsRates() const {
     const auto streams = streamsOf(container_);
     const auto tells = [this](const AVStream* stream) {
         const bool isEstimated = stream->r_frame_rate.num == 0;
-        return !isMovingPicture(*stream) ||
+        return !isVideoStream(*stream) ||
                (stream->avg_frame_rate.num != 0 &&
                 (!isEstimated || (isMov(container_) && isCostly(*stream))));
     };

@@ -101,6 +101,46 @@ TEST_F(NestedFiles, ListNamedLikeAnAddress_finds_its_parts) {
     fs::current_path(before);
 }
 
+TEST_F(NestedFiles, ListsThatLeadBackToThemselves_come_to_an_end) {
+    const std::string variant = "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\n";
+    writeFile(list_, variant + "list.m3u8\n");
+    EXPECT_TRUE(videoBytesOf(list_).empty());
+    writeFile(list_, variant + "other.m3u8\n");
+    writeFile(inside_ + "/other.m3u8", variant + "list.m3u8\n" + variant + "other.m3u8\n");
+    EXPECT_TRUE(videoBytesOf(list_).empty());
+}
+
+TEST_F(NestedFiles, ListOfLists_is_read) {
+    writeFile(inside_ + "/small.m3u8", playList({"part.ts"}));
+    writeFile(list_, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\nsmall.m3u8\n");
+    EXPECT_TRUE(videoBytesOf(list_) == videoBytesOf(part_));
+}
+
+// Their reader would wait for what is never added.
+TEST_F(NestedFiles, ListWithoutAnEnd_is_refused) {
+    const std::string endless = "#EXTM3U\n#EXT-X-TARGETDURATION:100000\n#EXTINF:2,\npart.ts\n";
+    writeFile(list_, endless);
+    expectUnusable(list_);
+    writeFile(inside_ + "/endless.m3u8", endless);
+    writeFile(list_, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\nendless.m3u8\n");
+    expectUnusable(list_);
+    writeFile(list_, endless + std::string(5 << 20, '\n') + "#EXT-X-ENDLIST\n");
+    expectUnusable(list_);
+}
+
+TEST_F(NestedFiles, OutputThatMayBeAPart_is_refused_and_kept) {
+    const std::string list = listOf({"part.ts", "below/part.ts"});
+    for (const std::string& output : {part_, inside_ + "/below/part.ts"}) {
+        const Bytes before = readFile(output);
+        EXPECT_EQ(cut(list, 0, 100'000, output).states, std::vector{2});
+        EXPECT_EQ(join({mediaPath("h264.mp4"), list}, output).states, (std::vector{2, 2}));
+        EXPECT_TRUE(readFile(output) == before);
+    }
+    writeFile(output_, "of no use any more");
+    EXPECT_EQ(cut(list, 0, 100'000, output_).states, std::vector{1});
+    EXPECT_EQ(cut(list, 0, 100'000, inside_ + "/new.ts").states, std::vector{1});
+}
+
 TEST_F(NestedFiles, Closed_leaves_no_descriptor_open) {
     const std::string list = listOf({"part.ts", "below/part.ts"});
     const std::string broken = listOf({"part.ts", secret_});

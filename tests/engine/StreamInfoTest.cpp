@@ -71,8 +71,17 @@ TEST_P(StreamInfoAt, Rate_is_the_same_as_read_plainly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rates, StreamInfoAt,
-                         ::testing::Values("1", "5", "24000/1001", "30", "60000/1001", "120"),
+                         ::testing::Values("1", "2", "3", "4", "5", "12", "15", "24000/1001", "24",
+                                           "25", "30000/1001", "30", "48", "50", "60000/1001", "60",
+                                           "100", "120000/1001", "120"),
                          [](const auto& tested) { return asTestName(tested.param); });
+
+TEST_P(StreamInfoAt, RateBesideSoundAndTexts_is_the_same_as_read_plainly) {
+    const std::string texts =
+        "-i @subtitles.mkv " + pictures(GetParam(), kSound) + " -map 1:v -map 2:a -map 0:s";
+    expectPlain(texts + " -shortest -c:a aac" + kX264, "beside.mkv");
+    expectPlain(texts + " -shortest -c:a aac -c:s mov_text" + kX264, "beside.mp4");
+}
 
 TEST_F(StreamInfo, FieldsAndHevc_same_as_read_plainly) {
     for (const char* rate : {"2", "60000/1001"}) {

@@ -333,6 +333,7 @@ TYPED_TEST(OutputSettingsTest, getExtension_isWhatFollowsTheLastDotUpToABracket)
     EXPECT_EQ(TypeParam::getExtension("H.264 (*.mkv) new)"), "mkv");
     EXPECT_EQ(TypeParam::getExtension("a.b.avi"), "avi");
     EXPECT_EQ(TypeParam::getExtension(".avi"), "avi");
+    EXPECT_EQ(TypeParam::getExtension("Video (*.mp4) 25/30"), "mp4");
     EXPECT_EQ(TypeParam::getExtension("Custom"), "");
     EXPECT_EQ(TypeParam::getExtension("Custom."), "");
     EXPECT_EQ(TypeParam::getExtension(""), "");

@@ -1,5 +1,4 @@
 // Lengths are kept in single precision; where they are divided tells which millisecond they show.
-// show.
 
 #include "ConversionEngine.h"
 #include "MainWindowSupport.h"

@@ -54,7 +54,7 @@ QWidget& OutputSettingsPanel::window() {
 void OutputSettingsPanel::load() {
     window_ = std::make_unique<PanelWindow>(owner_);
     form_ = setupWindow(*window_);
-    window_->windowShouldClose = windowShouldClose;
+    window_->windowShouldClose = [this] { return windowShouldClose(); };
     windowDidLoad();
     bindActions();
     refreshResultPath();
@@ -178,7 +178,8 @@ void OutputSettingsPanel::setStatus(bool enabled) {
 }
 
 bool OutputSettingsPanel::windowShouldClose() {
-    stopModal();
+    if (modalWindow() == window_.get()) // a refused start has ended its session before
+        stopModal();
     return true;
 }
 

@@ -58,7 +58,7 @@ public:
     /// Whether profile and parameters can be chosen.
     void setStatus(bool enabled);
     /// Always true; ends the modal session.
-    static bool windowShouldClose();
+    bool windowShouldClose();
 
     // Actions of the widgets.
     void mButFormatChange();

@@ -39,7 +39,7 @@ QString OutputSettingsPanel::getChannel(const QString& text) {
 }
 
 QString OutputSettingsPanel::getExtension(const QString& profileName) {
-    return pathExtension(profileName).section(')', 0, 0);
+    return textAfterLastDot(profileName).section(')', 0, 0);
 }
 
 QString OutputSettingsPanel::composedPath(const QString& extension) const {

@@ -88,7 +88,7 @@ void cutterWinController::setCutterOutputFilename(const QString& name, const QSt
 void cutterWinController::mButStartCut() {
     stopModal();
     logChoices();
-    platformLog("test test:" + pathExtension(profileText()));
+    platformLog("test test:" + textAfterLastDot(profileText()));
     platformLog(QString("Output path:%1 exist:%2")
                     .arg(mOutputFilename,
                          QString::number(CommonAction::fileExist(mOutputFilename) ? 1 : 0)));
