@@ -1,6 +1,6 @@
 #include "SnapshotReference.h"
 
-#include "AvHandles.h"
+#include "MediaFacts.h"
 
 #include <algorithm>
 #include <array>
@@ -12,15 +12,12 @@ namespace {
 constexpr int kWidth = 320;
 constexpr int kHeight = 240;
 
-InputContextHandle openPlainly(const std::string& path) {
-    AVFormatContext* context = nullptr;
-    const std::string address = "file:" + path;
-    if (avformat_open_input(&context, address.c_str(), nullptr, nullptr) < 0 ||
-        avformat_find_stream_info(context, nullptr) < 0) {
-        avformat_close_input(&context);
+InputContextHandle opened(const std::string& path) {
+    InputContextHandle container = openPlainly(path);
+    if (container == nullptr) {
         throw std::runtime_error(path + " cannot be read");
     }
-    return InputContextHandle(context);
+    return container;
 }
 
 /// The one that is shown. As in a cut, what is neither it nor the last sound is not read, and so
@@ -113,7 +110,7 @@ void append(Bytes& bytes, std::uint32_t number, int count) {
 } // namespace
 
 ReferenceSnapshot referenceSnapshot(const std::string& path, double seconds) {
-    const InputContextHandle container = openPlainly(path);
+    const InputContextHandle container = opened(path);
     const AVStream* stream = lastVideoStream(*container);
     if (stream == nullptr) {
         return {std::nullopt, seconds};
@@ -129,7 +126,7 @@ ReferenceSnapshot referenceSnapshot(const std::string& path, double seconds) {
 }
 
 std::optional<double> durationOf(const std::string& path) {
-    const InputContextHandle container = openPlainly(path);
+    const InputContextHandle container = opened(path);
     if (container->duration == AV_NOPTS_VALUE) {
         return std::nullopt;
     }
