@@ -1,6 +1,7 @@
 #include "ConversionEngine.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
+#include "FrameRate.h"
 #include "MediaOperations.h"
 #include "Probe.h"
 #include "Run.h"
@@ -17,7 +18,7 @@ namespace {
 
 void storeFrameRate(ConversionEngine& engine, AVRational rate) {
     if (rate.den != 0) {
-        engine.sourceFrameRate = rate.num / rate.den; // divided as integers
+        engine.sourceFrameRate = wholeFrameRate(rate);
     }
     engine.sourceFrameRateNum = rate.num;
     engine.sourceFrameRateDen = rate.den;
