@@ -37,9 +37,10 @@ void ConversionEngine::writeBmp(std::uint8_t* pixels, const std::string& path, i
     velmora::writeBmp(pixels, path, width, height);
 }
 
-void ConversionEngine::scaleToBmp(const std::string& path, AVCodecContext& decoder,
+// The frame tells all that is needed; the decoder may already know of a later picture's size.
+void ConversionEngine::scaleToBmp(const std::string& path, AVCodecContext& /*decoder*/,
                                   const AVFrame& frame, int width, int height) {
-    velmora::scaleToBmp(path, decoder, frame, width, height);
+    velmora::scaleToBmp(path, frame, width, height);
 }
 
 } // namespace velmora

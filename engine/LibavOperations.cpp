@@ -3,9 +3,9 @@
 #include "EngineProgress.h"
 #include "FrameRate.h"
 #include "MediaOperations.h"
+#include "PreviewFile.h"
 #include "Probe.h"
 #include "Run.h"
-#include "Snapshot.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -81,7 +81,7 @@ public:
     void setLogSink(LogSink sink) override { velmora::setLogSink(sink); }
 
 private:
-    Snapshot snapshot_;
+    PreviewFile preview_;
     SampleAspectRatio sampleAspectRatio_;
 };
 
@@ -119,9 +119,9 @@ std::int32_t LibavOperations::snapshot(ConversionEngine& engine) {
     const bool inTable =
         index >= 0 && static_cast<std::size_t>(index) < ConversionEngine::kMaxInputs;
     double startSeconds = inTable ? engine.startTimes[static_cast<std::size_t>(index)].load() : 0.0;
-    const int result = snapshot_.take(engine.probePath, startSeconds, engine.snapshotPath);
-    engine.videoStreamIndex = snapshot_.videoStreamIndex();
-    engine.audioStreamIndex = snapshot_.audioStreamIndex();
+    const int result = preview_.show(engine.probePath, startSeconds, engine.snapshotPath);
+    engine.videoStreamIndex = preview_.videoStreamIndex();
+    engine.audioStreamIndex = preview_.audioStreamIndex();
     if (inTable) {
         engine.startTimes[static_cast<std::size_t>(index)] = startSeconds;
     }

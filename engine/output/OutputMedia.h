@@ -15,10 +15,6 @@ struct OutputStream {
     AVStream* stream = nullptr; ///< owned by the muxer's context
     PacketClock clock;          ///< counts what has been written; set up by the header
     AVRational unit{0, 1};      ///< seconds per frame or per sample
-    std::int64_t lastTicks = 0; ///< of the last re-encoded picture written
-    VorbisParserHandle vorbis;  ///< tells how long joined Vorbis packets are; null elsewhere
-    int displayDelay = 0;       ///< pictures; how far decoding runs ahead of display
-    int displayShift = 0;       ///< pictures; how much later than numbered they are shown
 };
 
 /// The one output of a job: the muxer, its streams and its file. Cannot be copied; belongs to one

@@ -101,8 +101,7 @@ void writeBmp(std::uint8_t* pixels, const std::string& path, int width, int heig
     }
 }
 
-void scaleToBmp(const std::string& path, AVCodecContext& decoder, const AVFrame& frame, int width,
-                int height) {
+void scaleToBmp(const std::string& path, const AVFrame& frame, int width, int height) {
     // The frame's own size: the decoder may already know of a later picture's.
     const auto format = static_cast<AVPixelFormat>(frame.format);
     const ScalerHandle scaler(format != AV_PIX_FMT_NONE
@@ -111,7 +110,7 @@ void scaleToBmp(const std::string& path, AVCodecContext& decoder, const AVFrame&
                                                    nullptr, nullptr)
                                   : nullptr);
     if (scaler == nullptr) {
-        av_log(&decoder, AV_LOG_ERROR, "pictures of %d x %d cannot be scaled\n", frame.width,
+        av_log(nullptr, AV_LOG_ERROR, "pictures of %d x %d cannot be scaled\n", frame.width,
                frame.height);
         return;
     }

@@ -1,6 +1,6 @@
 #include "Snapshot.h"
 
-#include "BmpFile.h"
+#include "FileIdentity.h"
 #include "InputMedia.h"
 
 #include <algorithm>
@@ -8,8 +8,6 @@
 namespace velmora {
 namespace {
 
-constexpr int kPictureWidth = 320;
-constexpr int kPictureHeight = 240;
 // Several groups of pictures of any usual length; beyond, the stream has no key pictures.
 constexpr int kMaxPacketsBeforeKey = 600;
 
@@ -24,24 +22,25 @@ PacketHandle readVideoPacket(InputMedia& input) {
     return nullptr;
 }
 
-/// The picture that the decoder gives after one more packet; null: the end of the stream.
-FrameHandle decode(AVCodecContext& decoder, const AVPacket* packet) {
-    FrameHandle picture(av_frame_alloc());
-    if (picture == nullptr) {
-        return nullptr;
-    }
-    avcodec_send_packet(&decoder, packet); // a damaged packet gives no picture; the next one may
-    return avcodec_receive_frame(&decoder, picture.get()) >= 0 ? std::move(picture) : nullptr;
+/// The picture that the decoder gives after one more packet; null: none yet.
+FrameHandle decode(Decoder& decoder, const AVPacket& packet) {
+    decoder.send(packet); // a damaged packet gives no picture; the next one may
+    return decoder.receive();
+}
+
+FrameHandle decodeRest(Decoder& decoder) {
+    decoder.sendEnd();
+    return decoder.receive();
 }
 
 /// The first picture that comes out when every packet is decoded.
-FrameHandle firstPictureOfAll(InputMedia& input) {
+FrameHandle firstPictureOfAll(InputMedia& input, Decoder& decoder) {
     while (const PacketHandle packet = readVideoPacket(input)) {
-        if (FrameHandle picture = decode(*input.videoDecoder(), packet.get())) {
+        if (FrameHandle picture = decode(decoder, *packet)) {
             return picture;
         }
     }
-    return decode(*input.videoDecoder(), nullptr);
+    return decodeRest(decoder);
 }
 
 PacketHandle readKeyPacket(InputMedia& input) {
@@ -55,8 +54,7 @@ PacketHandle readKeyPacket(InputMedia& input) {
 }
 
 /// Whether none of the pictures that may be shown before this one is.
-bool isShownFirst(InputMedia& input, const AVPacket& key) {
-    const int reorderDelay = input.videoDecoder()->has_b_frames;
+bool isShownFirst(InputMedia& input, const AVPacket& key, int reorderDelay) {
     for (int i = 0; i <= reorderDelay; ++i) {
         const PacketHandle next = readVideoPacket(input);
         if (next == nullptr) {
@@ -72,17 +70,14 @@ bool isShownFirst(InputMedia& input, const AVPacket& key) {
 /// The same picture of H.264, from the one packet that it needs. Its decoder shows nothing of the
 /// pictures before a key picture whose own beginning it has not seen, so they need not be decoded.
 /// Null when that cannot be known; some packets have been read then.
-FrameHandle firstPictureOfKeyPacket(InputMedia& input) {
-    if (input.videoStream()->codecpar->codec_id != AV_CODEC_ID_H264) {
-        return nullptr;
-    }
+FrameHandle firstPictureOfKeyPacket(InputMedia& input, Decoder& decoder) {
     const PacketHandle key = readKeyPacket(input);
-    if (key == nullptr || !isShownFirst(input, *key)) {
+    if (key == nullptr || !isShownFirst(input, *key, decoder.context().has_b_frames)) {
         return nullptr;
     }
-    FrameHandle picture = decode(*input.videoDecoder(), key.get());
+    FrameHandle picture = decode(decoder, *key);
     if (picture == nullptr) {
-        picture = decode(*input.videoDecoder(), nullptr);
+        picture = decodeRest(decoder);
     }
     // What is missing of a damaged picture is taken from those before it.
     const bool isWhole = picture != nullptr && picture->decode_error_flags == 0 &&
@@ -95,51 +90,15 @@ FrameHandle firstPictureOfKeyPacket(InputMedia& input) {
 Snapshot::Snapshot() = default;
 Snapshot::~Snapshot() = default;
 
-int Snapshot::take(const std::string& path, double& startSeconds, const std::string& picturePath) {
-    if (const int result = keepOrOpen(path); result < 0) {
-        return result;
-    }
-    av_log(nullptr, AV_LOG_INFO, "video index:%d\n", input_->videoStreamIndex());
-    if (input_->videoStream() == nullptr) {
-        return 0;
-    }
-    if (const auto foundSeconds = foundSecondsOfWritten(startSeconds, picturePath)) {
-        startSeconds = *foundSeconds;
-        return 0;
-    }
-    written_.reset();
-    const double askedSeconds = startSeconds;
-    FrameHandle picture;
-    const int result = findPicture(startSeconds, picture);
-    if (picture != nullptr) {
-        scaleToBmp(picturePath, *input_->videoDecoder(), *picture, kPictureWidth, kPictureHeight);
-        if (const auto written = FileIdentity::ofPath(picturePath)) {
-            written_ = {input_->identity(), *written, askedSeconds, startSeconds};
-        }
-    }
-    if (input_ != nullptr) { // it may have had to be opened again
-        input_->closeDecoders();
-    }
-    return result == AVERROR_DECODER_NOT_FOUND ? 0 : result;
-}
-
-int Snapshot::videoStreamIndex() const {
-    return input_ != nullptr ? input_->videoStreamIndex() : -1;
-}
-
-int Snapshot::audioStreamIndex() const {
-    return input_ != nullptr ? input_->audioStreamIndex() : -1;
-}
-
-int Snapshot::keepOrOpen(const std::string& path) {
+int Snapshot::open(const std::string& path) {
     const auto current = FileIdentity::ofPath(path);
     if (input_ != nullptr && current && *current == input_->identity()) {
         return 0;
     }
-    return open(path);
+    return reopen(path);
 }
 
-int Snapshot::open(const std::string& path) {
+int Snapshot::reopen(const std::string& path) {
     input_ = std::make_unique<InputMedia>(path, nullptr);
     atStart_ = true;
     int result = input_->open();
@@ -154,46 +113,38 @@ int Snapshot::open(const std::string& path) {
     return 0;
 }
 
-/// Nothing when the picture at `askedSeconds` is not what `picturePath` holds.
-std::optional<double> Snapshot::foundSecondsOfWritten(double askedSeconds,
-                                                      const std::string& picturePath) const {
-    const bool isWritten = written_ && written_->source == input_->identity() &&
-                           written_->askedSeconds == askedSeconds &&
-                           FileIdentity::ofPath(picturePath) == written_->picture;
-    return isWritten ? std::optional(written_->foundSeconds) : std::nullopt;
-}
-
-int Snapshot::findPicture(double& startSeconds, FrameHandle& picture) {
-    const double askedSeconds = startSeconds;
-    int result = 0;
+FoundPicture Snapshot::take(double seconds) {
+    FoundPicture found{.code = 0, .picture = nullptr, .seconds = seconds};
+    // Each way has a decoder of its own: one that has seen other pictures may show others.
     if (input_->videoStream()->codecpar->codec_id == AV_CODEC_ID_H264) {
-        result = goTo(startSeconds);
-        picture = result >= 0 ? firstPictureOfKeyPacket(*input_) : nullptr;
+        Decoder decoder;
+        found.code = goTo(found.seconds, decoder);
+        found.picture = found.code >= 0 ? firstPictureOfKeyPacket(*input_, decoder) : nullptr;
     }
-    if (result >= 0 && picture == nullptr) {
-        startSeconds = askedSeconds;
-        result = goTo(startSeconds);
-        picture = result >= 0 ? firstPictureOfAll(*input_) : nullptr;
+    if (found.code >= 0 && found.picture == nullptr) {
+        Decoder decoder;
+        found.seconds = seconds;
+        found.code = goTo(found.seconds, decoder);
+        found.picture = found.code >= 0 ? firstPictureOfAll(*input_, decoder) : nullptr;
     }
-    return result;
+    return found;
 }
 
-// Each picture gets a decoder of its own: one that has seen other pictures may show others.
-int Snapshot::goTo(double& startSeconds) {
-    const double askedSeconds = startSeconds;
+int Snapshot::goTo(double& seconds, Decoder& decoder) {
+    const double askedSeconds = seconds;
     const bool isAsOpened = input_->knownPlaces() == placesAtStart_;
-    const bool found = askedSeconds > 0 && isAsOpened && input_->seek(startSeconds) >= 0;
-    if (!found && !atStart_) { // reading begins where the file does
-        if (const int result = open(std::string(input_->path())); result < 0) {
+    const bool isFound = askedSeconds > 0 && isAsOpened && input_->seek(seconds) >= 0;
+    if (!isFound && !atStart_) { // reading begins where the file does
+        if (const int result = reopen(std::string(input_->path())); result < 0) {
             return result;
         }
         if (askedSeconds > 0) {
-            startSeconds = askedSeconds;
-            input_->seek(startSeconds);
+            seconds = askedSeconds;
+            input_->seek(seconds);
         }
     }
     atStart_ = false;
-    return input_->openVideoDecoder();
+    return decoder.open(*input_->videoStream(), input_->path());
 }
 
 } // namespace velmora

@@ -1,20 +1,26 @@
 #pragma once
 
 #include "AvHandles.h"
-#include "FileIdentity.h"
+#include "Decoder.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace velmora {
 
 class InputMedia;
 
-/// Takes preview pictures. Keeps the last file open, so that the next picture of it costs a seek
-/// and the decoding of one picture. A file is opened anew when it has changed meanwhile, and when
-/// reading has told more of it than its index: a seek would then lead elsewhere than that of a
-/// cut. Belongs to one thread.
+/// What a snapshot has found.
+struct FoundPicture {
+    int code = 0;        ///< 0 or more, or a negative libav error code
+    FrameHandle picture; ///< null: none could be decoded
+    double seconds = 0;  ///< where it was looked for: as asked, or on the container's time line
+};
+
+/// Finds the picture at one time of a file. Keeps the last file open, so that the next picture of
+/// it costs a seek and the decoding of one picture. A file is opened anew when it has changed
+/// meanwhile, and when reading has told more of it than its index: a seek would then lead elsewhere
+/// than that of a cut. Belongs to one thread.
 class Snapshot {
 public:
     Snapshot();
@@ -22,34 +28,23 @@ public:
     Snapshot(const Snapshot&) = delete;
     Snapshot& operator=(const Snapshot&) = delete;
 
-    /// See ConversionEngine::snapshot. A seek by time adds the container's start time to
-    /// `startSeconds`.
-    int take(const std::string& path, double& startSeconds, const std::string& picturePath);
+    /// Opens the file, unless it is open as it is now. 0 or a negative libav error code; then no
+    /// file is open.
+    int open(const std::string& path);
+    /// The open file; null without one.
+    const InputMedia* input() const { return input_.get(); }
 
-    /// Of the file that was opened last; -1: none.
-    int videoStreamIndex() const;
-    int audioStreamIndex() const;
+    /// The picture that is shown first of a cut of the open file from `seconds` on. The file has a
+    /// video stream. If it has to be opened again and cannot be, no file is open afterwards.
+    FoundPicture take(double seconds);
 
 private:
-    /// A picture that was written, and from what.
-    struct Written {
-        FileIdentity source;
-        FileIdentity picture;
-        double askedSeconds;
-        double foundSeconds; ///< askedSeconds on the container's time line
-    };
-
-    int keepOrOpen(const std::string& path);
-    int open(const std::string& path);
-    std::optional<double> foundSecondsOfWritten(double askedSeconds,
-                                                const std::string& picturePath) const;
-    int findPicture(double& startSeconds, FrameHandle& picture);
-    int goTo(double& startSeconds);
+    int reopen(const std::string& path);
+    int goTo(double& seconds, Decoder& decoder);
 
     std::unique_ptr<InputMedia> input_;
     bool atStart_ = false;  ///< nothing has been read of the input yet
     int placesAtStart_ = 0; ///< known when the input was opened
-    std::optional<Written> written_;
 };
 
 } // namespace velmora

@@ -26,21 +26,20 @@ ChannelLayout layoutOf(const AVFrame& sound) {
 
 } // namespace
 
-AudioTranscoder::AudioTranscoder(AVCodecContext& decoder, SoundWriter writer,
+AudioTranscoder::AudioTranscoder(Decoder& decoder, SoundWriter writer,
                                  std::function<double()> drainPictures)
     : decoder_(decoder), writer_(std::move(writer)), drainPictures_(std::move(drainPictures)) {}
 
 PacketOutcome AudioTranscoder::handle() {
     const PacketHandle packet = std::move(prepared_.front());
     prepared_.pop_front();
-    if (packet->size == 0) { // would be taken for the end of the stream
-        return PacketOutcome::Done;
-    }
-    avcodec_send_packet(&decoder_, packet.get()); // damaged sound is left out
+    decoder_.send(*packet); // damaged sound is left out
     auto outcome = PacketOutcome::Done;
-    const FrameHandle sound(av_frame_alloc());
-    while (outcome == PacketOutcome::Done && sound != nullptr &&
-           avcodec_receive_frame(&decoder_, sound.get()) >= 0) {
+    while (outcome == PacketOutcome::Done) {
+        const FrameHandle sound = decoder_.receive();
+        if (sound == nullptr) {
+            break;
+        }
         outcome = take(*sound);
     }
     return outcome;

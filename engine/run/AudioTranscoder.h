@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Decoder.h"
 #include "PacketHandler.h"
 #include "SoundWriter.h"
 
@@ -22,8 +23,7 @@ public:
     /// `decoder` outlives this object. `drainPictures` is called once the input has ended: up
     /// to what it gives, in seconds of the output, silence follows the sound; without it, none
     /// does.
-    AudioTranscoder(AVCodecContext& decoder, SoundWriter writer,
-                    std::function<double()> drainPictures);
+    AudioTranscoder(Decoder& decoder, SoundWriter writer, std::function<double()> drainPictures);
 
     void prepare(PacketHandle packet) override { prepared_.push_back(std::move(packet)); }
     PacketOutcome handle() override;
@@ -34,7 +34,7 @@ private:
     int prepareResampler(const AVFrame& sound);
     FrameHandle resampled(const AVFrame& sound);
 
-    AVCodecContext& decoder_;
+    Decoder& decoder_;
     SoundWriter writer_;
     std::function<double()> drainPictures_;
     std::deque<PacketHandle> prepared_;

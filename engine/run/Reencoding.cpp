@@ -5,7 +5,7 @@
 #include "FrameRate.h"
 #include "MediaLimits.h"
 #include "SilentInput.h"
-#include "StreamCopier.h"
+#include "StreamDescription.h"
 #include "VideoTranscoder.h"
 
 #include <algorithm>
@@ -28,14 +28,13 @@ std::size_t readAheadFor(const AVCodecContext& decoder) {
 
 } // namespace
 
-int Reencoding::setUp(InputMedia& input, OutputMedia& output, bool isFirst,
-                      InputHandlers& handlers) {
+int Reencoding::setUp(RunInput& input, OutputMedia& output, bool isFirst, InputHandlers& handlers) {
     std::unique_ptr<VideoTranscoder> pictures;
     int result = 0;
-    if (input.videoStream() != nullptr) {
+    if (input.media.videoStream() != nullptr) {
         result = setUpVideo(input, output, isFirst, pictures);
     }
-    if (result >= 0 && input.audioStream() != nullptr) {
+    if (result >= 0 && input.media.audioStream() != nullptr) {
         result = setUpAudio(input, output, isFirst, pictures.get(), handlers.audio);
     }
     if (result < 0) {
@@ -48,27 +47,27 @@ int Reencoding::setUp(InputMedia& input, OutputMedia& output, bool isFirst,
     return 0;
 }
 
-int Reencoding::setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
+int Reencoding::setUpVideo(RunInput& input, OutputMedia& output, bool isFirst,
                            std::unique_ptr<VideoTranscoder>& pictures) {
     if (isFirst) {
         if (const int result = addVideo(input, output); result < 0) {
-            logFailure(input.path(), "open video encoder", result);
+            logFailure(input.media.path(), "open video encoder", result);
             return result;
         }
     }
-    readAhead_ = readAheadFor(*input.videoDecoder());
-    pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(),
-                                                 *input.videoDecoder(), encoder_, timing_);
+    readAhead_ = readAheadFor(input.video.context());
+    pictures = std::make_unique<VideoTranscoder>(output, *output.videoStream(), input.video,
+                                                 encoder_, timing_, lastPictureTicks_);
     return 0;
 }
 
-int Reencoding::setUpSilence(InputMedia& input, OutputMedia& output, bool isFirst,
+int Reencoding::setUpSilence(RunInput& input, OutputMedia& output, bool isFirst,
                              std::unique_ptr<VideoTranscoder> pictures,
                              std::unique_ptr<PacketHandler>& handler) {
     AudioEncoder silence;
     int result = silence.open(audio_, output.format());
     if (result >= 0 && isFirst) {
-        result = addAudio(silence, *input.audioStream(), output);
+        result = addAudio(silence, *input.media.audioStream(), output);
     }
     if (result >= 0) {
         handler = std::make_unique<SilentInput>(output, std::move(pictures),
@@ -79,18 +78,18 @@ int Reencoding::setUpSilence(InputMedia& input, OutputMedia& output, bool isFirs
 
 /// Whether the input lacks the sound that the output has, or will have for the sake of the inputs
 /// that follow.
-bool Reencoding::needsSilence(const InputMedia& input, OutputMedia& output, bool isFirst) const {
+bool Reencoding::needsSilence(const RunInput& input, OutputMedia& output, bool isFirst) const {
     const bool hasSound =
-        isFirst ? input.audioStream() != nullptr : output.audioStream() != nullptr;
-    return timing_ == Timing::Join && hasSound && input.audioDecoder() == nullptr;
+        isFirst ? input.media.audioStream() != nullptr : output.audioStream() != nullptr;
+    return timing_ == Timing::Join && hasSound && !input.audio.isOpen();
 }
 
-SoundWriter Reencoding::writerOf(AudioEncoder encoder, OutputMedia& output) const {
-    return {output, *output.audioStream(), std::move(encoder), timing_, stop_};
+SoundWriter Reencoding::writerOf(AudioEncoder encoder, OutputMedia& output) {
+    return {output, *output.audioStream(), std::move(encoder), timing_, stop_, vorbis_.get()};
 }
 
-int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
-    const AVStream& source = *input.videoStream();
+int Reencoding::addVideo(RunInput& input, OutputMedia& output) {
+    const AVStream& source = *input.media.videoStream();
     const AVRational rate = correctedFrameRate(source.r_frame_rate);
     const AVRational duration = encodedFrameDuration(video_.frameRate, rate, video_.codec);
     if (duration.num <= 0 || duration.den <= 0) {
@@ -109,34 +108,33 @@ int Reencoding::addVideo(InputMedia& input, OutputMedia& output) {
     return result < 0 ? result : copyStreamDescription(source, *added->stream);
 }
 
-int Reencoding::setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst,
+int Reencoding::setUpAudio(RunInput& input, OutputMedia& output, bool isFirst,
                            VideoTranscoder* pictures, std::unique_ptr<PacketHandler>& handler) {
     if (!isFirst && output.audioStream() == nullptr) {
         return AVERROR_STREAM_NOT_FOUND;
     }
-    if (input.audioDecoder() == nullptr) {
+    if (!input.audio.isOpen()) {
         return 0;
     }
     AudioEncoder encoder;
     int result = encoder.open(audio_, output.format());
     if (result >= 0 && isFirst) {
-        result = addAudio(encoder, *input.audioStream(), output);
+        result = addAudio(encoder, *input.media.audioStream(), output);
     }
     if (result < 0) {
-        logFailure(input.path(), "open audio encoder", result);
+        logFailure(input.media.path(), "open audio encoder", result);
         return result;
     }
     std::function<double()> drainPictures;
     if (timing_ == Timing::Join && pictures != nullptr) {
         drainPictures = [pictures] { return pictures->drain(); };
     }
-    handler = std::make_unique<AudioTranscoder>(
-        *input.audioDecoder(), writerOf(std::move(encoder), output), std::move(drainPictures));
+    handler = std::make_unique<AudioTranscoder>(input.audio, writerOf(std::move(encoder), output),
+                                                std::move(drainPictures));
     return 0;
 }
 
-int Reencoding::addAudio(const AudioEncoder& encoder, const AVStream& source,
-                         OutputMedia& output) const {
+int Reencoding::addAudio(const AudioEncoder& encoder, const AVStream& source, OutputMedia& output) {
     OutputStream* added = output.addAudioStream({1, audio_.sampleRate});
     if (added == nullptr) {
         return AVERROR(ENOMEM);
@@ -144,7 +142,7 @@ int Reencoding::addAudio(const AudioEncoder& encoder, const AVStream& source,
     AVCodecParameters& parameters = *added->stream->codecpar;
     const int result = encoder.describe(parameters);
     if (result >= 0 && timing_ == Timing::Join && audio_.codec == AV_CODEC_ID_VORBIS) {
-        added->vorbis.reset(av_vorbis_parse_init(parameters.extradata, parameters.extradata_size));
+        vorbis_.reset(av_vorbis_parse_init(parameters.extradata, parameters.extradata_size));
     }
     return result < 0 ? result : copyStreamDescription(source, *added->stream);
 }

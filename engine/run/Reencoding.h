@@ -23,28 +23,29 @@ public:
         : video_(video), audio_(audio), timing_(timing), stop_(stop) {}
 
     /// Sound that cannot be decoded is left out of a cut; in a join, silence replaces it.
-    int setUp(InputMedia& input, OutputMedia& output, bool isFirst,
-              InputHandlers& handlers) override;
+    int setUp(RunInput& input, OutputMedia& output, bool isFirst, InputHandlers& handlers) override;
     std::size_t readAhead() const override { return readAhead_; }
 
 private:
-    int setUpVideo(InputMedia& input, OutputMedia& output, bool isFirst,
+    int setUpVideo(RunInput& input, OutputMedia& output, bool isFirst,
                    std::unique_ptr<VideoTranscoder>& pictures);
-    int setUpAudio(InputMedia& input, OutputMedia& output, bool isFirst, VideoTranscoder* pictures,
+    int setUpAudio(RunInput& input, OutputMedia& output, bool isFirst, VideoTranscoder* pictures,
                    std::unique_ptr<PacketHandler>& handler);
-    int setUpSilence(InputMedia& input, OutputMedia& output, bool isFirst,
+    int setUpSilence(RunInput& input, OutputMedia& output, bool isFirst,
                      std::unique_ptr<VideoTranscoder> pictures,
                      std::unique_ptr<PacketHandler>& handler);
-    int addVideo(InputMedia& input, OutputMedia& output);
-    int addAudio(const AudioEncoder& encoder, const AVStream& source, OutputMedia& output) const;
-    bool needsSilence(const InputMedia& input, OutputMedia& output, bool isFirst) const;
-    SoundWriter writerOf(AudioEncoder encoder, OutputMedia& output) const;
+    int addVideo(RunInput& input, OutputMedia& output);
+    int addAudio(const AudioEncoder& encoder, const AVStream& source, OutputMedia& output);
+    bool needsSilence(const RunInput& input, OutputMedia& output, bool isFirst) const;
+    SoundWriter writerOf(AudioEncoder encoder, OutputMedia& output);
 
     const VideoSettings video_;
     const AudioSettings audio_;
     const Timing timing_;
     const StopFlag* stop_;
     VideoEncoder encoder_;
+    std::int64_t lastPictureTicks_ = 0; ///< of the last picture written, of all inputs
+    VorbisParserHandle vorbis_; ///< tells how long joined Vorbis packets are; null elsewhere
     std::size_t readAhead_ = 1;
 };
 

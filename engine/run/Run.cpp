@@ -4,12 +4,11 @@
 #include "EngineLog.h"
 #include "FileIdentity.h"
 #include "FrameRate.h"
-#include "InputMedia.h"
 #include "InputProgress.h"
 #include "OutputMedia.h"
 #include "PacketPump.h"
 #include "Reencoding.h"
-#include "StreamCopier.h"
+#include "StreamDescription.h"
 
 #include <algorithm>
 #include <memory>
@@ -63,7 +62,7 @@ private:
     std::size_t index_ = 0;
     std::optional<OutputMedia> output_;
     std::unique_ptr<Conversion> conversion_;
-    std::optional<InputMedia> input_;
+    std::optional<RunInput> input_;
     InputHandlers handlers_;
 };
 
@@ -120,11 +119,16 @@ Step JobRun::setUp() {
 
 Step JobRun::openInput() {
     input_.emplace(job_.inputPaths[index_], &stop_);
-    if (input_->open() < 0 || input_->readStreamInfo() < 0 || input_->openVideoDecoder() < 0) {
+    InputMedia& media = input_->media;
+    if (media.open() < 0 || media.readStreamInfo() < 0) {
         return Step::InputFailed;
     }
-    if (job_.reencodes) {
-        input_->openAudioDecoder(); // it may fail; a copy has no use for it
+    const AVStream* video = media.videoStream();
+    if (video != nullptr && input_->video.open(*video, media.path()) < 0) {
+        return Step::InputFailed;
+    }
+    if (const AVStream* audio = media.audioStream(); audio != nullptr && job_.reencodes) {
+        input_->audio.open(*audio, media.path()); // it may fail; a copy has no use for it
     }
     return Step::Continue;
 }
@@ -143,8 +147,8 @@ Step JobRun::createOutput() {
     if (output_->create(*format) < 0) {
         return Step::InputFailed;
     }
-    if (input_->videoStream() == nullptr) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: no video stream\n", input_->path().c_str());
+    if (input_->media.videoStream() == nullptr) {
+        av_log(nullptr, AV_LOG_ERROR, "%s: no video stream\n", input_->media.path().c_str());
         return Step::RunEnds;
     }
     return Step::Continue;
@@ -153,11 +157,11 @@ Step JobRun::createOutput() {
 Step JobRun::setUpStreams() {
     if (isFirst() && job_.reencodes) {
         progress_.frameRateIs(encodedFrameRate(
-            job_.video.frameRate, correctedFrameRate(input_->videoStream()->r_frame_rate)));
+            job_.video.frameRate, correctedFrameRate(input_->media.videoStream()->r_frame_rate)));
     }
     const int result = conversion_->setUp(*input_, *output_, isFirst(), handlers_);
     if (result < 0) {
-        logFailure(input_->path(), "set up streams", result);
+        logFailure(input_->media.path(), "set up streams", result);
         return Step::InputFailed;
     }
     return Step::Continue;
@@ -172,7 +176,7 @@ Step JobRun::beginOutput() {
                job_.outputPaths[0].c_str());
         return Step::InputFailed;
     }
-    copyFileTags(*input_->container(), output_->tags());
+    copyFileTags(*input_->media.container(), output_->tags());
     return output_->begin() < 0 ? Step::InputFailed : Step::Continue;
 }
 
@@ -190,8 +194,8 @@ void JobRun::seekToStart() {
     if (job_.joins || !(start > 0)) {
         return;
     }
-    if (const int result = input_->seek(start); result < 0) {
-        logFailure(input_->path(), "seek", result); // the cut then starts where reading does
+    if (const int result = input_->media.seek(start); result < 0) {
+        logFailure(input_->media.path(), "seek", result); // the cut then starts where reading does
     }
     progress_.startIs(index_, start);
 }
@@ -202,7 +206,7 @@ void JobRun::handlePackets(InputProgress& progress) {
                                 // A cut ends by its pictures; what was read before them is its own.
                                 .inTimeOrder = job_.joins && job_.reencodes,
                                 .readAhead = conversion_->readAhead()};
-    PacketPump(*input_, *output_, handlers_, plan).run(progress, stop_);
+    PacketPump(input_->media, *output_, handlers_, plan).run(progress, stop_);
 }
 
 void JobRun::finishHandlers(InputProgress& progress) {

@@ -19,12 +19,12 @@ PacketOutcome outcomeOf(int result) {
 } // namespace
 
 SoundWriter::SoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder encoder,
-                         Timing timing, const StopFlag* stop)
+                         Timing timing, const StopFlag* stop, AVVorbisParseContext* vorbis)
     : output_(output), stream_(stream), encoder_(std::move(encoder)),
       stampsBySamples_(timing == Timing::Cut || format().codec_id == AV_CODEC_ID_VORBIS),
       // Only a cut counts anew: in a join, sound that starts at 0 again would be refused.
       firstSample_(timing == Timing::Cut ? 0 : stream.clock.units()),
-      startSeconds_(stream.clock.seconds()), stop_(stop) {}
+      startSeconds_(stream.clock.seconds()), stop_(stop), vorbis_(vorbis) {}
 
 // Sound for which there is no memory is left out, which does not fail the input.
 PacketOutcome SoundWriter::write(const AVFrame& sound) {
@@ -109,10 +109,10 @@ PacketOutcome SoundWriter::write(AVPacket& packet) {
 
 /// How many a decoder makes of it.
 int SoundWriter::samplesIn(const AVPacket& packet) const {
-    if (stream_.vorbis != nullptr) {
+    if (vorbis_ != nullptr) {
         // Depends on the packet before, which may be the last one of the input before: the encoder,
         // made for this input, cannot know that, and its first and last packets end up longer.
-        return std::max(av_vorbis_parse_frame(stream_.vorbis.get(), packet.data, packet.size), 0);
+        return std::max(av_vorbis_parse_frame(vorbis_, packet.data, packet.size), 0);
     }
     return packet.duration > 0
                ? static_cast<int>(packet.duration)

@@ -13,9 +13,10 @@ namespace velmora {
 /// Encodes, stamps and writes the sound of one input.
 class SoundWriter {
 public:
-    /// Once `stop` is raised no more silence is added; null: never.
+    /// Once `stop` is raised no more silence is added; null: never. `vorbis` tells how long packets
+    /// of joined Vorbis are; null elsewhere.
     SoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder encoder, Timing timing,
-                const StopFlag* stop);
+                const StopFlag* stop, AVVorbisParseContext* vorbis);
 
     /// The format that the sound has to have: that of the encoder.
     const AVCodecContext& format() const { return encoder_.context(); }
@@ -43,6 +44,7 @@ private:
     const std::int64_t firstSample_; ///< of this input, in the output
     const double startSeconds_;      ///< of this input, in the output
     const StopFlag* stop_;
+    AVVorbisParseContext* vorbis_; ///< not owned
 };
 
 } // namespace velmora

@@ -5,10 +5,10 @@
 
 namespace velmora {
 
-VideoTranscoder::VideoTranscoder(OutputMedia& output, OutputStream& stream, AVCodecContext& decoder,
-                                 VideoEncoder& encoder, Timing timing)
+VideoTranscoder::VideoTranscoder(OutputMedia& output, OutputStream& stream, Decoder& decoder,
+                                 VideoEncoder& encoder, Timing timing, std::int64_t& lastTicks)
     : output_(output), stream_(stream), decoder_(decoder), encoder_(encoder), timing_(timing),
-      frameCounter_(stream.lastTicks) {}
+      lastTicks_(lastTicks), frameCounter_(lastTicks) {}
 
 VideoTranscoder::~VideoTranscoder() {
     dropPrepared();
@@ -68,19 +68,20 @@ void VideoTranscoder::submit(std::unique_ptr<Work> work) {
 }
 
 void VideoTranscoder::decode(Work& work) {
-    int maxPictures = work.maxPictures;
-    if (work.packet != nullptr) {
-        if (work.packet->size == 0) { // would be taken for the end of the stream
-            return;
-        }
-        constexpr int any = 1 << 16;
-        maxPictures = any;
+    constexpr int any = 1 << 16;
+    int maxPictures = any;
+    if (work.packet == nullptr) {
+        decoder_.sendEnd();
+        maxPictures = work.maxPictures;
+    } else if (work.packet->size == 0) { // nothing comes of it
+        return;
+    } else {
+        decoder_.send(*work.packet); // a damaged packet may still give a picture
+        work.packet.reset();
     }
-    avcodec_send_packet(&decoder_, work.packet.get()); // a damaged packet may still give a picture
-    work.packet.reset();
     for (int i = 0; i < maxPictures; ++i) {
-        FrameHandle picture(av_frame_alloc());
-        if (picture == nullptr || avcodec_receive_frame(&decoder_, picture.get()) < 0) {
+        FrameHandle picture = decoder_.receive();
+        if (picture == nullptr) {
             return;
         }
         work.hadPicture = true;
@@ -145,7 +146,7 @@ PacketOutcome VideoTranscoder::write(AVPacket& packet) {
     if (output_.write(stream_, packet) < 0) {
         return PacketOutcome::FailedEnd;
     }
-    stream_.lastTicks = dts;
+    lastTicks_ = dts;
     clock.continueFrom(dts);
     clock.advance(1);
     return PacketOutcome::Done;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Decoder.h"
 #include "OutputMedia.h"
 #include "PacketHandler.h"
 #include "PictureScaler.h"
@@ -19,9 +20,10 @@ namespace velmora {
 /// called, in the order of the packets, so that the result does not depend on how the threads run.
 class VideoTranscoder : public PacketHandler {
 public:
-    /// `decoder` and `encoder` are used on other threads until this object is gone.
-    VideoTranscoder(OutputMedia& output, OutputStream& stream, AVCodecContext& decoder,
-                    VideoEncoder& encoder, Timing timing);
+    /// `decoder` and `encoder` are used on other threads until this object is gone. `lastTicks` is
+    /// where the last picture of the output was written, in ticks of the stream's time base.
+    VideoTranscoder(OutputMedia& output, OutputStream& stream, Decoder& decoder,
+                    VideoEncoder& encoder, Timing timing, std::int64_t& lastTicks);
     VideoTranscoder(const VideoTranscoder&) = delete;
     VideoTranscoder& operator=(const VideoTranscoder&) = delete;
     ~VideoTranscoder() override;
@@ -60,9 +62,10 @@ private:
 
     OutputMedia& output_;
     OutputStream& stream_;
-    AVCodecContext& decoder_;
+    Decoder& decoder_;
     VideoEncoder& encoder_;
     const Timing timing_;
+    std::int64_t& lastTicks_;
     int withoutPicture_ = 0;        ///< packets whose pictures the decoder may still hold
     std::int64_t frameCounter_ = 0; ///< ticks
     std::deque<std::unique_ptr<Work>> works_;

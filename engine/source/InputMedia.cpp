@@ -1,7 +1,6 @@
 #include "InputMedia.h"
 
 #include "EngineLog.h"
-#include "MediaLimits.h"
 #include "SourceStreams.h"
 #include "StreamInfo.h"
 
@@ -98,44 +97,6 @@ void InputMedia::pickStreams() {
             stream->discard = AVDISCARD_ALL;
         }
     }
-}
-
-int InputMedia::openVideoDecoder() {
-    const AVStream* stream = videoStream();
-    return stream != nullptr ? openDecoder(*stream, videoDecoder_) : 0;
-}
-
-int InputMedia::openAudioDecoder() {
-    const AVStream* stream = audioStream();
-    return stream != nullptr ? openDecoder(*stream, audioDecoder_) : 0;
-}
-
-void InputMedia::closeDecoders() {
-    videoDecoder_.reset();
-    audioDecoder_.reset();
-}
-
-int InputMedia::openDecoder(const AVStream& stream, CodecContextHandle& decoder) {
-    decoder.reset();
-    const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
-    int result = codec != nullptr ? 0 : AVERROR_DECODER_NOT_FOUND;
-    CodecContextHandle opened;
-    if (result >= 0) {
-        opened.reset(avcodec_alloc_context3(codec));
-        result = opened != nullptr ? avcodec_parameters_to_context(opened.get(), stream.codecpar)
-                                   : AVERROR(ENOMEM);
-    }
-    if (result >= 0) {
-        opened->pkt_timebase = stream.time_base;
-        opened->max_pixels = kMaxPixels;
-        result = avcodec_open2(opened.get(), codec, nullptr);
-    }
-    if (result < 0) {
-        logFailure(path_, "open decoder", result);
-        return result;
-    }
-    decoder = std::move(opened);
-    return 0;
 }
 
 int InputMedia::read(AVPacket& packet) {

@@ -11,8 +11,8 @@
 
 namespace velmora {
 
-/// One opened source: its container, the streams that are used of it and their decoders. Owns the
-/// files, the container context and the decoders. Belongs to one thread.
+/// One opened source: its container and the streams that are used of it. Owns the files and the
+/// container context. Belongs to one thread.
 ///
 /// Of several video or audio streams the last one is used. An attached picture (cover art) is not
 /// a video stream; data and subtitle streams are not read.
@@ -25,10 +25,6 @@ public:
     int open();
     /// Finds out what the streams are and picks those to be used. 0 or more, or a negative code.
     int readStreamInfo();
-    /// 0; AVERROR_DECODER_NOT_FOUND; or what opening it gave. Without such a stream: 0.
-    int openVideoDecoder();
-    int openAudioDecoder();
-    void closeDecoders();
 
     /// The next packet of any stream that is read. 0, or a negative code at the end or on failure.
     int read(AVPacket& packet);
@@ -51,9 +47,6 @@ public:
     AVStream* audioStream() const { return stream(audioStreamIndex_); }
     int videoStreamIndex() const { return videoStreamIndex_; } ///< -1: none
     int audioStreamIndex() const { return audioStreamIndex_; } ///< -1: none
-    /// Null until opened.
-    AVCodecContext* videoDecoder() const { return videoDecoder_.get(); }
-    AVCodecContext* audioDecoder() const { return audioDecoder_.get(); }
     /// As the file was when it was opened.
     const FileIdentity& identity() const { return files_.identity(); }
 
@@ -62,7 +55,6 @@ private:
     AVStream* stream(int index) const;
     int findStreamInfo();
     void pickStreams();
-    int openDecoder(const AVStream& stream, CodecContextHandle& decoder);
     std::optional<std::int64_t> bytePosition(double startSeconds) const;
     double containerStartSeconds() const; ///< 0 when unknown
 
@@ -70,8 +62,6 @@ private:
     const StopFlag* stop_;
     InputFiles files_; ///< outlives the container, which reads through them
     InputContextHandle container_;
-    CodecContextHandle videoDecoder_;
-    CodecContextHandle audioDecoder_;
     std::deque<PacketHandle> lookahead_; ///< read already, to be given out first
     int videoStreamIndex_ = -1;
     int audioStreamIndex_ = -1;

@@ -13,12 +13,18 @@ extern "C" {
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <limits>
 #include <string>
 #include <type_traits>
 
 namespace velmora::test {
 namespace {
+
+// There is one engine.
+static_assert(!std::is_default_constructible_v<ConversionEngine> &&
+              !std::is_copy_constructible_v<ConversionEngine> &&
+              !std::is_copy_assignable_v<ConversionEngine>);
 
 ConversionEngine& engine() {
     return ConversionEngine::instance();
@@ -75,12 +81,6 @@ TEST_F(Engine, FirstUse_fields_have_their_initial_values) {
 
 TEST_F(Engine, AnotherCallOfInstance_gives_the_same_engine) {
     EXPECT_EQ(&ConversionEngine::instance(), &ConversionEngine::instance());
-}
-
-TEST_F(Engine, Type_cannot_be_made_or_copied_by_others) {
-    EXPECT_FALSE(std::is_default_constructible_v<ConversionEngine>);
-    EXPECT_FALSE(std::is_copy_constructible_v<ConversionEngine>);
-    EXPECT_FALSE(std::is_copy_assignable_v<ConversionEngine>);
 }
 
 TEST_F(Engine, Reset_puts_paths_indexes_and_counters_back) {
@@ -164,52 +164,55 @@ TEST_F(Engine, FileStates_have_their_numbers) {
     EXPECT_EQ(ConversionEngine::Failed, 2);
 }
 
-template <typename Field, typename Value>
-constexpr bool kIsShared = std::is_same_v<Field, std::atomic<Value>>;
-
-// What two threads touch is read and written as a whole.
-TEST_F(Engine, SharedCounters_are_atomic_words_without_locks) {
-    EXPECT_TRUE((kIsShared<decltype(ConversionEngine::currentIndex), std::int32_t>));
-    EXPECT_TRUE((kIsShared<decltype(ConversionEngine::currentPercent), std::int32_t>));
-    EXPECT_TRUE((kIsShared<decltype(ConversionEngine::jobCount), std::int32_t>));
-    EXPECT_TRUE((kIsShared<decltype(ConversionEngine::stopRequested), std::uint8_t>));
-    EXPECT_TRUE((kIsShared<decltype(ConversionEngine::fileStates)::value_type, std::uint8_t>));
+// Whoever looks on must never wait for a run.
+TEST_F(Engine, SharedCounters_are_read_without_locks) {
     EXPECT_TRUE(engine().currentIndex.is_lock_free());
+    EXPECT_TRUE(engine().currentPercent.is_lock_free());
+    EXPECT_TRUE(engine().jobCount.is_lock_free());
     EXPECT_TRUE(engine().stopRequested.is_lock_free());
     EXPECT_TRUE(engine().fileStates[0].is_lock_free());
 }
 
-TEST_F(Engine, Numbers_have_their_widths) {
-    using E = ConversionEngine;
-    EXPECT_TRUE((std::is_same_v<decltype(E::inputCount), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::joinTotalMs), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::joinMode), std::uint8_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::reencode), std::uint8_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoCodecChosen), std::uint8_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoCodecId), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::audioCodecId), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoBitRate), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoWidth), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoHeight), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoFrameRate), double>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::audioBitRate), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::audioSampleRate), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::audioChannels), std::int32_t>));
+/// Whether the field keeps each of the values.
+template <typename Field, typename Value>
+void expectKept(Field& field, std::initializer_list<Value> values) {
+    const auto before = field;
+    for (const Value value : values) {
+        field = static_cast<Field>(value);
+        EXPECT_EQ(static_cast<Value>(field), value);
+    }
+    field = before;
 }
 
-TEST_F(Engine, ProbeResults_have_their_widths) {
-    using E = ConversionEngine;
-    EXPECT_TRUE((std::is_same_v<decltype(E::streamCount), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::videoStreamIndex), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::audioStreamIndex), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::sourceWidth), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::sourceHeight), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::sourceFrameRate), double>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::sourceFrameRateNum), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::sourceFrameRateDen), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::durationUs), std::int64_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::durationFloor), std::int64_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(E::durationSeconds), std::int64_t>));
+TEST_F(Engine, Numbers_keep_what_jobs_need) {
+    constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+    for (std::int32_t ConversionEngine::*field :
+         {&ConversionEngine::inputCount, &ConversionEngine::joinTotalMs,
+          &ConversionEngine::videoCodecId, &ConversionEngine::audioCodecId,
+          &ConversionEngine::videoBitRate, &ConversionEngine::videoWidth,
+          &ConversionEngine::videoHeight, &ConversionEngine::audioBitRate,
+          &ConversionEngine::audioSampleRate, &ConversionEngine::audioChannels}) {
+        expectKept(engine().*field, {least, -1, 0, most});
+    }
+    expectKept(engine().videoFrameRate, {0.0, 23.976, 30000.0 / 1001.0});
+}
+
+TEST_F(Engine, ProbeResults_keep_what_files_tell) {
+    constexpr std::int64_t tenHoursUs = 36'000'000'000;
+    for (std::int64_t ConversionEngine::*field :
+         {&ConversionEngine::durationUs, &ConversionEngine::durationFloor,
+          &ConversionEngine::durationSeconds}) {
+        expectKept(engine().*field, {std::numeric_limits<std::int64_t>::min(), tenHoursUs});
+    }
+    for (std::int32_t ConversionEngine::*field :
+         {&ConversionEngine::streamCount, &ConversionEngine::videoStreamIndex,
+          &ConversionEngine::audioStreamIndex, &ConversionEngine::sourceWidth,
+          &ConversionEngine::sourceHeight, &ConversionEngine::sourceFrameRateNum,
+          &ConversionEngine::sourceFrameRateDen}) {
+        expectKept(engine().*field, {-1, 0, 1'000'000'000});
+    }
+    expectKept(engine().sourceFrameRate, {59.94});
 }
 
 TEST_F(Engine, LastInput_has_entries_of_its_own_in_every_table) {

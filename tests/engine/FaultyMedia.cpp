@@ -2,6 +2,7 @@
 
 extern "C" {
 #include <libavutil/audio_fifo.h>
+#include <libswresample/swresample.h>
 }
 
 #include <atomic>
@@ -31,12 +32,32 @@ const FaultyMedia::Decisions* FaultyMedia::current() {
 // The names are the linker's.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" {
+int __real_avformat_open_input(AVFormatContext** input, const char* url,
+                               const AVInputFormat* format, AVDictionary** options);
+int __real_swr_init(SwrContext* resampler);
 int __real_avformat_find_stream_info(AVFormatContext* input, AVDictionary** options);
 int __real_avformat_write_header(AVFormatContext* output, AVDictionary** options);
 int __real_av_interleaved_write_frame(AVFormatContext* output, AVPacket* packet);
 int __real_avcodec_send_frame(AVCodecContext* encoder, const AVFrame* frame);
 int __real_av_frame_get_buffer(AVFrame* frame, int align);
 int __real_av_audio_fifo_write(AVAudioFifo* queue, void** data, int samples);
+
+int __wrap_avformat_open_input(AVFormatContext** input, const char* url,
+                               const AVInputFormat* format, AVDictionary** options) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    if (faults != nullptr && faults->open) {
+        faults->open();
+    }
+    return __real_avformat_open_input(input, url, format, options);
+}
+
+int __wrap_swr_init(SwrContext* resampler) {
+    const auto* faults = velmora::test::FaultyMedia::current();
+    if (faults != nullptr && faults->resample) {
+        faults->resample();
+    }
+    return __real_swr_init(resampler);
+}
 
 int __wrap_avformat_find_stream_info(AVFormatContext* input, AVDictionary** options) {
     const int result = __real_avformat_find_stream_info(input, options);

@@ -22,7 +22,10 @@ public:
         std::function<bool(const AVCodecContext&, const AVFrame*)> encode = {};
         std::function<bool(const AVFrame&)> allocate = {}; ///< the memory of a frame
         std::function<bool(int samples)> queue = {};       ///< of sound
-        /// Decides nothing: changes what has been found out about the streams of an input.
+        // These decide nothing.
+        std::function<void()> open = {};     ///< an input is to be opened
+        std::function<void()> resample = {}; ///< a resampler is to be set up
+        /// Changes what has been found out about the streams of an input.
         std::function<void(AVFormatContext&)> describe = {};
     };
 

@@ -186,6 +186,26 @@ void AtLogLine::take(const char* line) {
     }
 }
 
+AtRunPoint::AtRunPoint(RunPoint point, std::function<void(int)> action)
+    : action_(std::move(action)), watch_(at(point)) {}
+
+FaultyMedia::Decisions AtRunPoint::at(RunPoint point) {
+    switch (point) {
+    case RunPoint::Opening:
+        return {.open = [this] { arrive(); }};
+    case RunPoint::InfoRead:
+        return {.describe = [this](AVFormatContext& /*input*/) { arrive(); }};
+    case RunPoint::Resampler:
+        return {.resample = [this] { arrive(); }};
+    case RunPoint::Packet:
+        break;
+    }
+    return {.write = [this](const AVPacket& /*packet*/) {
+        arrive();
+        return false;
+    }};
+}
+
 // With a program's first thread, a sanitizer may start one of its own, which stays.
 Resources Resources::now() {
     std::thread([] {}).join();

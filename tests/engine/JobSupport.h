@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ConversionEngine.h"
+#include "FaultyMedia.h"
 #include "TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -98,11 +99,30 @@ private:
     int levelBefore_ = av_log_get_level();
 };
 
-/// Lines that tell where a run is. The first is written at the opening of each input; the second
-/// before its first packet is handled; the third by the Matroska muxer for every packet.
-inline constexpr std::string_view kOpeningLine = "probed with size";
-inline constexpr std::string_view kInfoReadLine = "After avformat_find_stream_info";
-inline constexpr std::string_view kMatroskaBlockLine = "Writing block of size";
+/// Where a run calls the media libraries.
+enum class RunPoint {
+    Opening,   ///< before an input is opened
+    InfoRead,  ///< after its streams have been found out about, before its first packet
+    Resampler, ///< before sound gets a resampler
+    Packet,    ///< before a packet goes to the muxer
+};
+
+/// Calls `action` each time that a run is at `point`, with the number of that time, from 1, on the
+/// run's thread. One at a time.
+class AtRunPoint {
+public:
+    AtRunPoint(RunPoint point, std::function<void(int)> action);
+
+    int seen() const { return seen_; }
+
+private:
+    FaultyMedia::Decisions at(RunPoint point);
+    void arrive() { action_(++seen_); }
+
+    std::function<void(int)> action_;
+    std::atomic<int> seen_{0};
+    FaultyMedia watch_;
+};
 
 /// What is open and running at one time, to be compared with a later time.
 struct Resources {

@@ -406,7 +406,7 @@ protected:
     JobResult joinWhile(const std::function<void()>& vanish) {
         fs::copy_file(largeSource(), input_);
         fillJoin({input_, largeSource()}, output_);
-        const AtLogLine watch(kMatroskaBlockLine, [&](int number) {
+        const AtRunPoint watch(RunPoint::Packet, [&](int number) {
             if (number == 5) {
                 vanish();
             }
@@ -438,7 +438,7 @@ TEST_F(InputVanishing, RemovedLaterInput_fails_alone) {
     const std::string later = folder_ / "later.mp4";
     fs::copy_file(largeSource(), later);
     fillJoin({largeSource(), later, largeSource()}, output_);
-    const AtLogLine watch(kMatroskaBlockLine, [&](int number) {
+    const AtRunPoint watch(RunPoint::Packet, [&](int number) {
         if (number == 5) {
             fs::remove(later);
         }

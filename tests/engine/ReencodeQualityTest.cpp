@@ -204,9 +204,6 @@ double correlationOf(const std::vector<float>& source, const std::vector<float>&
     return best;
 }
 
-/// Written once by each resampler.
-constexpr std::string_view kResamplingLine = "internally between filters";
-
 struct Sound {
     const char* name;
     AVCodecID codec;
@@ -255,7 +252,7 @@ TEST_P(ReencodeSound, Sound_is_that_of_the_source) {
         "-c:a pcm_s16le -ac 1",
         "brown.mkv");
     const std::string output = folder_ / "out.mkv";
-    const AtLogLine resampling(kResamplingLine, [](int) {});
+    const AtRunPoint resampling(RunPoint::Resampler, [](int) {});
 
     ASSERT_EQ(cut(source, 0, 2000, output).states, std::vector{1});
 
@@ -276,7 +273,7 @@ TEST_P(ReencodeSound, SoundInTheEncodersFormat_is_taken_as_it_is) {
                         decoder,
                     "brown-" + format + ".mkv");
     const std::string output = folder_ / "out.mkv";
-    const AtLogLine resampling(kResamplingLine, [](int) {});
+    const AtRunPoint resampling(RunPoint::Resampler, [](int) {});
 
     ASSERT_EQ(cut(source, 0, 2000, output).states, std::vector{1});
 

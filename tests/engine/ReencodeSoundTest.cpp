@@ -18,9 +18,6 @@ namespace {
 
 constexpr const char* kPictures = "-f lavfi -i color=black:size=64x48:rate=25:duration=1 ";
 
-/// Written once by each resampler.
-constexpr std::string_view kResamplingLine = "internally between filters";
-
 /// The samples of the sound, channel by channel, as they lie in the packets.
 std::vector<std::vector<float>> channelsOf(const std::string& path, std::size_t count) {
     const std::string bytes = runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", path, "-map",
@@ -104,7 +101,7 @@ TEST_P(ReencodeResampled, Difference_alone_needs_a_resampler) {
     const std::string source = mediaMadeBy(
         kPictures + std::string("-f lavfi -i sine=f=440:d=1 -c:v mpeg4 ") + sound, "resampled.mkv");
     const std::string output = folder_ / "out.mkv";
-    const AtLogLine resampling(kResamplingLine, [](int) {});
+    const AtRunPoint resampling(RunPoint::Resampler, [](int) {});
 
     ASSERT_EQ(cut(source, 0, 1000, output).states, std::vector{1});
 

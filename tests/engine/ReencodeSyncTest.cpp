@@ -327,7 +327,7 @@ TEST_F(ReencodeSilence, Stop_adds_no_more_of_it) {
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_VORBIS);
     const std::string output = folder_ / "out.mkv";
     // A block for each picture, a few for the sound that there is.
-    const AtLogLine blocks(kMatroskaBlockLine, [&](int count) {
+    const AtRunPoint blocks(RunPoint::Packet, [&](int count) {
         if (count > 640) {
             engine_.stopRequested = 1;
         }

@@ -19,10 +19,10 @@ class RunStop : public JobTest {
 protected:
     void TearDown() override { expectNothingLeftSince(before_); }
 
-    /// Joins the inputs and asks for a stop at one line of the log.
-    JobResult joinStoppedAt(std::string_view line, int occurrence, std::size_t inputs) {
+    /// Joins the inputs and asks for a stop at one point.
+    JobResult joinStoppedAt(RunPoint point, int occurrence, std::size_t inputs) {
         fillJoin(std::vector(inputs, source_), output_);
-        const AtLogLine stop(line, [&](int number) {
+        const AtRunPoint stop(point, [&](int number) {
             if (number == occurrence) {
                 engine_.stopRequested = 1;
             }
@@ -45,7 +45,7 @@ protected:
 };
 
 TEST_F(RunStop, WhileOpeningFirstInput_writes_nothing) {
-    const JobResult result = joinStoppedAt(kOpeningLine, 1, 2);
+    const JobResult result = joinStoppedAt(RunPoint::Opening, 1, 2);
 
     EXPECT_TRUE(result.states[0] == 255 || result.states[0] == 2);
     EXPECT_EQ(result.states[1], 255);
@@ -53,7 +53,7 @@ TEST_F(RunStop, WhileOpeningFirstInput_writes_nothing) {
 }
 
 TEST_F(RunStop, WhileOpeningLaterInput_leaves_that_and_the_rest) {
-    const JobResult result = joinStoppedAt(kOpeningLine, 2, 3);
+    const JobResult result = joinStoppedAt(RunPoint::Opening, 2, 3);
 
     EXPECT_EQ(result.states[0], 1);
     EXPECT_TRUE(result.states[1] == 255 || result.states[1] == 2);
@@ -62,13 +62,13 @@ TEST_F(RunStop, WhileOpeningLaterInput_leaves_that_and_the_rest) {
 }
 
 TEST_F(RunStop, BeforeFirstPacket_of_the_only_input_leaves_it_pending) {
-    const JobResult result = joinStoppedAt(kInfoReadLine, 1, 1);
+    const JobResult result = joinStoppedAt(RunPoint::InfoRead, 1, 1);
 
     EXPECT_EQ(result.states, std::vector{255});
 }
 
 TEST_F(RunStop, InFirstInput_leaves_all_pending_and_no_trailer) {
-    const JobResult result = joinStoppedAt(kMatroskaBlockLine, packets_ / 2, 3);
+    const JobResult result = joinStoppedAt(RunPoint::Packet, packets_ / 2, 3);
 
     EXPECT_EQ(result.states, (std::vector{255, 255, 255}));
     EXPECT_EQ(result.index, 1); // nothing of the next input is begun
@@ -78,7 +78,7 @@ TEST_F(RunStop, InFirstInput_leaves_all_pending_and_no_trailer) {
 }
 
 TEST_F(RunStop, InMiddleInput_leaves_it_and_the_rest_pending_and_no_trailer) {
-    const JobResult result = joinStoppedAt(kMatroskaBlockLine, packets_ * 3 / 2, 3);
+    const JobResult result = joinStoppedAt(RunPoint::Packet, packets_ * 3 / 2, 3);
 
     EXPECT_EQ(result.states, (std::vector{1, 255, 255}));
     EXPECT_EQ(result.index, 2);
@@ -86,7 +86,7 @@ TEST_F(RunStop, InMiddleInput_leaves_it_and_the_rest_pending_and_no_trailer) {
 }
 
 TEST_F(RunStop, InLastInput_leaves_it_pending_and_the_output_complete) {
-    const JobResult result = joinStoppedAt(kMatroskaBlockLine, packets_ * 5 / 2, 3);
+    const JobResult result = joinStoppedAt(RunPoint::Packet, packets_ * 5 / 2, 3);
 
     EXPECT_EQ(result.states, (std::vector{1, 1, 255}));
     EXPECT_EQ(result.index, 3);
@@ -96,7 +96,7 @@ TEST_F(RunStop, InLastInput_leaves_it_pending_and_the_output_complete) {
 
 TEST_F(RunStop, InOnlyInput_of_a_cut_leaves_it_pending_and_the_output_complete) {
     fillCut(source_, 0, 4000, output_);
-    const AtLogLine stop(kMatroskaBlockLine, [&](int number) {
+    const AtRunPoint stop(RunPoint::Packet, [&](int number) {
         if (number == 50) {
             engine_.stopRequested = 1;
         }
@@ -111,7 +111,7 @@ TEST_F(RunStop, InOnlyInput_of_a_cut_leaves_it_pending_and_the_output_complete) 
 }
 
 TEST_F(RunStop, NextRun_after_a_stop_is_complete) {
-    joinStoppedAt(kMatroskaBlockLine, packets_ / 2, 2);
+    joinStoppedAt(RunPoint::Packet, packets_ / 2, 2);
 
     EXPECT_EQ(join({source_, source_}, output_).states, (std::vector{1, 1}));
     EXPECT_TRUE(hasTrailer());
@@ -127,7 +127,7 @@ protected:
         std::binary_semaphore reached(0);
         std::binary_semaphore goOn(0);
         const auto packets = static_cast<int>(source_.video.packets.size());
-        const AtLogLine halt(kMatroskaBlockLine, [&](int number) {
+        const AtRunPoint halt(RunPoint::Packet, [&](int number) {
             if (number == packets * 3 / 2) {
                 reached.release();
                 goOn.acquire();

@@ -522,7 +522,7 @@ TEST_F(Run, Counters_while_running_tell_the_input_and_grow) {
     std::vector<int> percents;
     std::vector<int> firstStates;
     fillJoin({source_, source_, source_}, folder_ / "out.mkv");
-    const AtLogLine watch(kMatroskaBlockLine, [&](int) {
+    const AtRunPoint watch(RunPoint::Packet, [&](int) {
         indexes.push_back(engine_.currentIndex);
         percents.push_back(engine_.currentPercent);
         firstStates.push_back(engine_.fileStates[0]);

@@ -40,7 +40,7 @@ protected:
         OutputStream& stream = *output_.addAudioStream({1, kSampleRate});
         EXPECT_GE(encoder.describe(*stream.stream->codecpar), 0);
         EXPECT_GE(output_.begin(), 0);
-        writer_.emplace(output_, stream, std::move(encoder), Timing::Join, nullptr);
+        writer_.emplace(output_, stream, std::move(encoder), Timing::Join, nullptr, nullptr);
     }
 
     TemporaryFolder folder_;

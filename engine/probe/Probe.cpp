@@ -1,5 +1,6 @@
 #include "Probe.h"
 
+#include "Decoder.h"
 #include "FrameRate.h"
 #include "InputMedia.h"
 
@@ -22,9 +23,8 @@ SampleAspectRatio sampleAspectRatioOf(const InputMedia& input) {
                                         : SampleAspectRatio();
 }
 
-ProbeResults::Video videoOf(const InputMedia& input) {
+ProbeResults::Video videoOf(const InputMedia& input, const AVCodecContext& decoder) {
     const AVStream& stream = *input.videoStream();
-    const AVCodecContext& decoder = *input.videoDecoder();
     return {.codecId = stream.codecpar->codec_id,
             .width = decoder.width,
             .height = decoder.height,
@@ -33,21 +33,32 @@ ProbeResults::Video videoOf(const InputMedia& input) {
             .aspect = sampleAspectRatioOf(input)};
 }
 
-ProbeResults::Audio audioOf(const InputMedia& input) {
-    const AVStream* stream = input.audioStream();
-    const AVCodecParameters none{};
-    // Without a decoder, what the container says is all there is.
-    const AVCodecParameters& told = stream != nullptr ? *stream->codecpar : none;
+/// Without a decoder, what the container says is all there is.
+ProbeResults::Audio audioOf(const AVStream& stream, const Decoder& decoder) {
+    const AVCodecParameters& told = *stream.codecpar;
     ProbeResults::Audio audio{.codecId = told.codec_id,
                               .channels = told.ch_layout.nb_channels,
                               .sampleRate = told.sample_rate,
                               .bitRate = fitting(told.bit_rate)};
-    if (const AVCodecContext* decoder = input.audioDecoder(); decoder != nullptr) {
-        audio.channels = decoder->ch_layout.nb_channels;
-        audio.sampleRate = decoder->sample_rate;
-        audio.bitRate = fitting(decoder->bit_rate);
+    if (decoder.isOpen()) {
+        audio.channels = decoder.context().ch_layout.nb_channels;
+        audio.sampleRate = decoder.context().sample_rate;
+        audio.bitRate = fitting(decoder.context().bit_rate);
     }
     return audio;
+}
+
+/// Success, or what the probe fails with. Without a video stream nothing is to be opened.
+ProbeResults::Code openVideo(const InputMedia& input, Decoder& decoder) {
+    const AVStream* stream = input.videoStream();
+    switch (stream != nullptr ? decoder.open(*stream, input.path()) : 0) {
+    case 0:
+        return ProbeResults::Success;
+    case AVERROR_DECODER_NOT_FOUND:
+        return ProbeResults::NoVideoDecoder;
+    default:
+        return ProbeResults::VideoDecoderFails;
+    }
 }
 
 } // namespace
@@ -66,16 +77,19 @@ ProbeResults probe(const std::string& path) {
     results.streams = {.count = static_cast<std::int32_t>(input.container()->nb_streams),
                        .videoIndex = input.videoStreamIndex(),
                        .audioIndex = input.audioStreamIndex()};
-    if (const int opened = input.openVideoDecoder(); opened < 0) {
-        results.code = opened == AVERROR_DECODER_NOT_FOUND ? ProbeResults::NoVideoDecoder
-                                                           : ProbeResults::VideoDecoderFails;
+    Decoder video;
+    results.code = openVideo(input, video);
+    if (results.code != ProbeResults::Success) {
         return results;
     }
-    input.openAudioDecoder(); // sound that cannot be decoded can still be copied
-    if (input.videoStream() != nullptr) {
-        results.video = videoOf(input);
+    if (video.isOpen()) {
+        results.video = videoOf(input, video.context());
     }
-    results.audio = audioOf(input);
+    if (const AVStream* stream = input.audioStream()) {
+        Decoder audio;
+        audio.open(*stream, path); // sound that cannot be decoded can still be copied
+        results.audio = audioOf(*stream, audio);
+    }
     results.durationUs = input.container()->duration;
     return results;
 }

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "AvHandles.h"
+
+#include <string>
+
+namespace velmora {
+
+/// Decodes the packets of one stream, in their order. Owns its decoder. Belongs to one thread at a
+/// time.
+class Decoder {
+public:
+    /// Opens the decoder of a stream of the source at `path`, which is named in the log when that
+    /// fails. 0, AVERROR_DECODER_NOT_FOUND or another negative libav error code; the decoder is
+    /// closed then.
+    int open(const AVStream& stream, const std::string& path);
+    void close() { context_.reset(); }
+    bool isOpen() const { return context_ != nullptr; }
+
+    /// What the stream's headers say, and what decoding has told of it since. It has to be open.
+    const AVCodecContext& context() const { return *context_; }
+
+    /// Takes a packet. A damaged one is no failure: it gives less than a frame, or none. One
+    /// without data is passed over.
+    void send(const AVPacket& packet);
+    /// No packet follows: what is still held can be received.
+    void sendEnd();
+    /// The next frame in the order of showing; null when there is none before the next packet.
+    FrameHandle receive();
+
+private:
+    CodecContextHandle context_;
+};
+
+} // namespace velmora
