@@ -17,7 +17,8 @@ using AudioFifoHandle = std::unique_ptr<AVAudioFifo, FreeByPointer<av_audio_fifo
 /// been drained takes no more.
 class AudioEncoder {
 public:
-    /// 0 or a negative libav error code: no such encoder, or one that refuses the settings.
+    /// 0 or a negative libav error code: no such encoder, or one that refuses the settings. If it
+    /// does not offer the usual sample format, it gets the first that it does offer.
     int open(const AudioSettings& settings, const AVOutputFormat& format);
 
     const AVCodecContext& context() const { return *encoder_; }

@@ -6,7 +6,9 @@
 namespace velmora {
 
 /// Encodes the pictures of an output, from the job's first input to its last: one picture in, at
-/// most one packet out. What the encoder still holds at the end is never written.
+/// most one packet out. What the encoder still holds at the end is never written. There are no
+/// B-frames, and groups have 12 pictures; H.264 is encoded in four slices, which hold back one
+/// picture. Nothing of a source's extradata, block or frame sizes gets here.
 ///
 /// `open` and `encode` may be called from different threads, one after another.
 class VideoEncoder {

@@ -15,7 +15,10 @@ namespace velmora {
 ///
 /// A file that was there before keeps its content until the first chunk is to be written; a file
 /// that was created and got no byte is removed again. The first failed write is kept and reported
-/// by every later operation; nothing more is written after it. Belongs to one thread.
+/// by every later operation; nothing more is written after it. Disk space is reserved ahead of what
+/// is written, and what is left of it given back. Belongs to one thread and has none of its own:
+/// handing chunks over to one took a third more processor time of a copy and saved hardly any of
+/// the clock's.
 class FileWriter {
 public:
     FileWriter() = default;

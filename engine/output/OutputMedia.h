@@ -18,7 +18,9 @@ struct OutputStream {
 };
 
 /// The one output of a job: the muxer, its streams and its file. Cannot be copied; belongs to one
-/// thread. A file whose trailer was not written is left as far as it got.
+/// thread. A file whose trailer was not written is left as far as it got. Muxers that open files by
+/// themselves, or that read back what they have written, are refused, and so is every file that a
+/// muxer may ask for besides its own.
 class OutputMedia {
 public:
     explicit OutputMedia(std::string path) : path_(std::move(path)) {}

@@ -13,8 +13,12 @@ class VideoTranscoder;
 
 /// Pictures and sound are decoded and encoded anew. One video encoder takes the pictures of all
 /// inputs; each input has an audio encoder of its own. In a join, silence follows sound that ends
-/// before its pictures, and stands in for sound that an input does not have, so that what comes
-/// next starts with its pictures.
+/// before its pictures, and stands in for sound that an input does not have or that cannot be
+/// decoded (a cut leaves it out), so that what comes next starts with its pictures: both stay
+/// together within a picture and a frame of sound at every joint. Pictures catch up with sound that
+/// is ahead. Both depend on how far each has come when a packet is handled, so a join takes its
+/// packets in the order of their times: many files hold half a second of sound before the pictures
+/// that go with it.
 class Reencoding : public Conversion {
 public:
     /// Once `stop` is raised no silence is added any more.

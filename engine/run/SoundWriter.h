@@ -10,7 +10,9 @@
 
 namespace velmora {
 
-/// Encodes, stamps and writes the sound of one input.
+/// Encodes, stamps and writes the sound of one input. Unlike the pictures, it is drained at the
+/// end, and its last chunk is filled with silence. A packet that cannot be written fails the input;
+/// those after it are written all the same.
 class SoundWriter {
 public:
     /// Once `stop` is raised no more silence is added; null: never. `vorbis` tells how long packets

@@ -17,7 +17,12 @@ namespace velmora {
 
 /// Decodes the packets of one input's video stream, and encodes, stamps and writes the pictures.
 /// Decoding, scaling and encoding have a thread each; stamping and writing happen where `handle` is
-/// called, in the order of the packets, so that the result does not depend on how the threads run.
+/// called, in the order of the packets, so that the result is the same to the byte however many
+/// cores there are. That is also why only packets that are sure to be handled are prepared: the
+/// decoder has then seen no more than it would have one packet at a time.
+///
+/// What the video encoder still holds at the end is not written, by design; what the decoder holds
+/// is.
 class VideoTranscoder : public PacketHandler {
 public:
     /// `decoder` and `encoder` are used on other threads until this object is gone. `lastTicks` is

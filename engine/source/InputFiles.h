@@ -16,8 +16,11 @@ namespace velmora {
 ///
 /// A nested file is opened only when it is a regular file in the folder of the input's name or
 /// below that folder, with links resolved; everything else is refused and logged, and so is a play
-/// list without an end, the input itself included. Demuxers that open nested files past the context
-/// which they were given open nothing.
+/// list without an end, the input itself included. The file is found without being opened, looked
+/// at where it lies, and that very file is read, whatever its name has come to mean by then. The
+/// concat and dash demuxers make contexts of their own, which know nothing of this and ask for the
+/// library's protocols; all of those are off, so they open nothing. External references of a movie
+/// are not followed at all.
 class InputFiles {
 public:
     /// Reads of any of the files fail with AVERROR_EXIT once `stop` is raised; null: never.

@@ -14,7 +14,19 @@ int readStreamInfo(AVFormatContext& container);
 
 /// Finds out the same without decoding H.264 and HEVC, of which one picture takes longer than all
 /// else together: the container tells most, the headers of the first picture the rest. Where that
-/// is not sure to be the same, it says so, and the container has to be opened anew.
+/// is not sure to be the same to the last value, it says so, and the container has to be opened
+/// anew:
+///
+/// - The container has to be mov or Matroska and to tell the picture size and the mean rate. A real
+///   rate that mov does not tell follows from its decoding times, unless it may come from the
+///   headers instead. Matroska has no decoding times, so there the rate has to be told.
+/// - The headers have to tell the reorder delay. H.264 need not, and a decoder then goes by the
+///   pictures that it sees.
+/// - The start of H.264 in Matroska, which the library knows by its decoding times alone, is that
+/// of
+///   its first packet. Very short files and those with subtitles, whose start may become that of
+///   the file, are left to the library.
+/// - No sound's bit rate may be a mean over the packets that happen to have been read (MP3, AC-3).
 class QuickStreamInfo {
 public:
     explicit QuickStreamInfo(AVFormatContext& container) : container_(container) {}
