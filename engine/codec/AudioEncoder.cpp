@@ -98,7 +98,7 @@ int AudioEncoder::queueSilence() {
     return queue(*silence);
 }
 
-std::int64_t AudioEncoder::taken() const {
+std::int64_t AudioEncoder::samplesQueued() const {
     return samples_ + av_audio_fifo_size(queue_.get());
 }
 
@@ -111,7 +111,7 @@ bool AudioEncoder::isEmpty() const {
 }
 
 int AudioEncoder::encodeChunk(std::vector<PacketHandle>& packets) {
-    const FrameHandle chunk = takeChunk();
+    const FrameHandle chunk = dequeueChunk();
     if (chunk == nullptr) {
         av_audio_fifo_reset(queue_.get());
         return AVERROR(ENOMEM);
@@ -134,7 +134,7 @@ FrameHandle AudioEncoder::emptyChunk() const {
     return chunk;
 }
 
-FrameHandle AudioEncoder::takeChunk() {
+FrameHandle AudioEncoder::dequeueChunk() {
     FrameHandle chunk = emptyChunk();
     if (chunk == nullptr) {
         return nullptr;

@@ -30,7 +30,7 @@ public:
     /// Queues one frame's worth of silence. 0 or a negative libav error code.
     int queueSilence();
     /// Samples that have been queued since `open`, and the silence that has filled chunks up.
-    std::int64_t taken() const;
+    std::int64_t samplesQueued() const;
     /// Samples in a chunk.
     int frameSize() const;
     bool hasWholeChunk() const;
@@ -44,7 +44,7 @@ public:
     int drain(std::vector<PacketHandle>& packets);
 
 private:
-    FrameHandle takeChunk();
+    FrameHandle dequeueChunk();
     FrameHandle emptyChunk() const;
     int encode(const AVFrame* chunk, std::vector<PacketHandle>& packets);
 

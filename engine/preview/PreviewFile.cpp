@@ -25,7 +25,7 @@ int PreviewFile::show(const std::string& path, double& startSeconds,
         return 0;
     }
     written_.reset();
-    const FoundPicture found = snapshot_.take(startSeconds);
+    const FoundPicture found = snapshot_.find(startSeconds);
     if (found.picture != nullptr) {
         write(found, startSeconds, picturePath);
     }

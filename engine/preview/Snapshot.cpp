@@ -113,7 +113,7 @@ int Snapshot::reopen(const std::string& path) {
     return 0;
 }
 
-FoundPicture Snapshot::take(double seconds) {
+FoundPicture Snapshot::find(double seconds) {
     FoundPicture found{.code = 0, .picture = nullptr, .seconds = seconds};
     // Each way has a decoder of its own: one that has seen other pictures may show others.
     if (input_->videoStream()->codecpar->codec_id == AV_CODEC_ID_H264) {

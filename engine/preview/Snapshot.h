@@ -36,7 +36,7 @@ public:
 
     /// The picture that is shown first of a cut of the open file from `seconds` on. The file has a
     /// video stream. If it has to be opened again and cannot be, no file is open afterwards.
-    FoundPicture take(double seconds);
+    FoundPicture find(double seconds);
 
 private:
     int reopen(const std::string& path);

@@ -40,12 +40,12 @@ PacketOutcome AudioTranscoder::handle() {
         if (sound == nullptr) {
             break;
         }
-        outcome = take(*sound);
+        outcome = convert(*sound);
     }
     return outcome;
 }
 
-PacketOutcome AudioTranscoder::take(const AVFrame& sound) {
+PacketOutcome AudioTranscoder::convert(const AVFrame& sound) {
     if (prepareResampler(sound) < 0) {
         return PacketOutcome::FailedEnd;
     }

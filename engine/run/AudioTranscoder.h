@@ -30,7 +30,7 @@ public:
     PacketOutcome finish() override;
 
 private:
-    PacketOutcome take(const AVFrame& sound);
+    PacketOutcome convert(const AVFrame& sound);
     int prepareResampler(const AVFrame& sound);
     FrameHandle resampled(const AVFrame& sound);
 

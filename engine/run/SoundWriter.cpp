@@ -48,8 +48,8 @@ PacketOutcome SoundWriter::fillUntil(double seconds) {
 /// Where the output's sound is once all that was given to the encoder, and `samples` more, have
 /// been written.
 double SoundWriter::secondsAfter(std::int64_t samples) const {
-    const auto taken = static_cast<double>(encoder_.taken() + samples);
-    return startSeconds_ + taken / format().sample_rate;
+    const auto queued = static_cast<double>(encoder_.samplesQueued() + samples);
+    return startSeconds_ + queued / format().sample_rate;
 }
 
 PacketOutcome SoundWriter::finish() {

@@ -104,10 +104,10 @@ void VideoCopier::settleDelay() {
 }
 
 PacketOutcome VideoCopier::writePlaced() {
-    if (written_ == 0 && order_->canTake()) {
+    if (written_ == 0 && order_->hasNext()) {
         settleDelay();
     }
-    while (auto placed = order_->take()) {
+    while (auto placed = order_->next()) {
         const auto outcome = write(*placed->packet, placed->place);
         if (outcome != PacketOutcome::Done) {
             return outcome;

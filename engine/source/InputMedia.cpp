@@ -73,7 +73,7 @@ int InputMedia::findStreamInfo() {
         const int result = quick.read();
         if (quick.isSure() || isRaised(stop_)) {
             guessesDecodingTimes_ = quick.guessesDecodingTimes();
-            lookahead_ = quick.takePackets();
+            lookahead_ = quick.releasePackets();
             return result;
         }
         container_.reset();

@@ -27,8 +27,8 @@ void PictureOrder::add(PacketHandle packet) {
     }
 }
 
-std::optional<PictureOrder::Placed> PictureOrder::take() {
-    if (!canTake()) {
+std::optional<PictureOrder::Placed> PictureOrder::next() {
+    if (!hasNext()) {
         return std::nullopt;
     }
     Placed placed{std::move(held_.front().packet), *held_.front().place};

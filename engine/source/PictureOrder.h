@@ -24,9 +24,9 @@ public:
     /// Takes the packet with its source timestamps.
     void add(PacketHandle packet);
 
-    bool canTake() const { return !held_.empty() && held_.front().place.has_value(); }
+    bool hasNext() const { return !held_.empty() && held_.front().place.has_value(); }
     /// The next packet in coding order, once its place is known.
-    std::optional<Placed> take();
+    std::optional<Placed> next();
 
     /// By how many pictures coding runs ahead of display in the packets that are held.
     int delay() const;

@@ -163,7 +163,7 @@ bool QuickStreamInfo::readHeaders() {
     while (!hasEnough()) {
         PacketHandle packet(av_packet_alloc());
         if (packet == nullptr || packets_.size() == kMostPackets ||
-            av_read_frame(&container_, packet.get()) < 0 || !take(*packet)) {
+            av_read_frame(&container_, packet.get()) < 0 || !keep(*packet)) {
             return false;
         }
         packets_.push_back(std::move(packet));
@@ -180,7 +180,7 @@ bool QuickStreamInfo::hasEnough() const {
                                [enough](const HeldBack& held) { return held.pictures >= enough; });
 }
 
-bool QuickStreamInfo::take(const AVPacket& packet) {
+bool QuickStreamInfo::keep(const AVPacket& packet) {
     const auto held = std::ranges::find(heldBack_, packet.stream_index,
                                         [](const HeldBack& each) { return each.stream->index; });
     if (held == heldBack_.end() || held->pictures++ > 0) {

@@ -41,7 +41,7 @@ public:
     bool isSure() const { return isSure_; }
 
     /// What has been read of the streams, to be given out before what follows.
-    std::deque<PacketHandle> takePackets() { return std::move(packets_); }
+    std::deque<PacketHandle> releasePackets() { return std::move(packets_); }
 
     /// The decoding times of packets are guesses, made without knowing by how much coding runs
     /// ahead of display.
@@ -63,7 +63,7 @@ private:
     int readWithoutDecoders();
     bool readHeaders();
     bool hasEnough() const;
-    bool take(const AVPacket& packet);
+    bool keep(const AVPacket& packet);
     bool isRateSure(const HeldBack& held, AVRational codecRate) const;
     void setStart(const HeldBack& held);
 

@@ -52,7 +52,7 @@ PacketHandle TimeOrder::next() {
             hold(std::move(packet));
         }
     }
-    return takeFirst();
+    return popFirst();
 }
 
 PacketHandle TimeOrder::read() {
@@ -81,7 +81,7 @@ void TimeOrder::hold(PacketHandle packet) {
     stream->held.push_back({std::move(packet), stream->lastUs});
 }
 
-PacketHandle TimeOrder::takeFirst() {
+PacketHandle TimeOrder::popFirst() {
     Stream* first = nullptr;
     for (Stream& stream : streams_) {
         if (!stream.held.empty() &&

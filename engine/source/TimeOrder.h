@@ -36,7 +36,7 @@ private:
     PacketHandle read();
     bool isWaiting() const;
     void hold(PacketHandle packet);
-    PacketHandle takeFirst();
+    PacketHandle popFirst();
 
     InputMedia& input_;
     const bool isOrdered_;

@@ -28,7 +28,7 @@ PacketHandle packet(std::int64_t pts, std::int64_t dts, std::int64_t id) {
 /// Takes all that can be taken, checks that they come in coding order from number `next` on, and
 /// adds their places to `places`.
 void takeAll(PictureOrder& order, Times& places) {
-    while (auto placed = order.take()) {
+    while (auto placed = order.next()) {
         EXPECT_EQ(placed->packet->pos, static_cast<std::int64_t>(places.size()));
         places.push_back(placed->place);
     }
@@ -64,9 +64,9 @@ Times ranksOf(const Times& pts) {
 
 TEST(PictureOrder, Empty_gives_nothing) {
     PictureOrder order;
-    EXPECT_FALSE(order.take());
+    EXPECT_FALSE(order.next());
     order.finish();
-    EXPECT_FALSE(order.take());
+    EXPECT_FALSE(order.next());
 }
 
 TEST(PictureOrder, PicturesCodedAsShown_are_numbered_in_turn) {
@@ -118,24 +118,24 @@ TEST(PictureOrder, Packets_come_out_in_coding_order_and_unchanged) {
     order.add(packet(40, 0, 2));
     order.finish();
 
-    const auto first = order.take();
-    const auto second = order.take();
-    const auto third = order.take();
+    const auto first = order.next();
+    const auto second = order.next();
+    const auto third = order.next();
     ASSERT_TRUE(first && second && third);
     EXPECT_EQ(first->packet->dts, -80);
     EXPECT_EQ(second->packet->pts, 120);
     EXPECT_EQ(second->packet->dts, -40);
     EXPECT_EQ(third->packet->pts, 40);
-    EXPECT_FALSE(order.take());
+    EXPECT_FALSE(order.next());
 }
 
 TEST(PictureOrder, UncertainPlace_packet_is_held_until_the_end) {
     PictureOrder order;
     order.add(packet(0, kNone, 0));
-    EXPECT_FALSE(order.take());
+    EXPECT_FALSE(order.next());
     order.finish();
-    ASSERT_TRUE(order.take());
-    EXPECT_FALSE(order.take());
+    ASSERT_TRUE(order.next());
+    EXPECT_FALSE(order.next());
 }
 
 TEST(PictureOrder, LongInput_holds_no_more_packets_than_can_be_reordered) {
@@ -144,7 +144,7 @@ TEST(PictureOrder, LongInput_holds_no_more_packets_than_can_be_reordered) {
     for (std::int64_t i = 0; i < 1000; ++i) {
         order.add(packet(i, i, i));
         ++held;
-        while (order.take()) {
+        while (order.next()) {
             --held;
         }
         ASSERT_LE(held, 16) << "after packet " << i;

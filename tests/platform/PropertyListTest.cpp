@@ -1,4 +1,6 @@
 #include "PropertyList.h"
+
+#include "BinaryPropertyList.h"
 #include "TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -137,6 +139,21 @@ TEST_F(PropertyListTest, read_binaryThatHoldsAnArrayTwice_givesNothing) {
     objects.push_back(arrayOf({}));
     EXPECT_FALSE(read(binary(objects)).isValid());
     EXPECT_FALSE(read(binary({arrayOf({0})})).isValid());
+}
+
+// Each of 30 levels holds the next one twice, which is a billion values.
+TEST(BinaryPropertyList, containersHeldTwice_areNotSafe) {
+    const auto isSafe = [](const std::string& content) {
+        return isSafeBinaryPropertyList(QByteArray::fromStdString(content));
+    };
+    const std::string key = "\x51k";
+    const std::string dictionary = std::string("\xD1") + bigEndian(2, 2) + bigEndian(1, 2);
+    EXPECT_TRUE(isSafe(binary({dictionary, arrayOf({2}), key})));
+    EXPECT_FALSE(isSafe(binary({arrayOf({1, 1}), arrayOf({})})));
+    EXPECT_FALSE(isSafe(binary({arrayOf({1, 1}), dictionary, key})));
+    EXPECT_FALSE(isSafe(binary({arrayOf({1, 1}), "\xC0"}))); // a set
+    EXPECT_FALSE(isSafe(binary({std::string("\xD1") + bigEndian(1, 2) + bigEndian(0, 2), key})));
+    EXPECT_FALSE(isSafe("bplist00"));
 }
 
 TEST_F(PropertyListTest, read_binaryThatHoldsALongTextOften_givesNothing) {

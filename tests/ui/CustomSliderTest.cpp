@@ -5,6 +5,8 @@
 #include "ui_PromotedBar.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
@@ -271,6 +273,16 @@ TEST_F(CustomSliderTest, interfaceDescription_canHoldABar) {
     EXPECT_EQ(ui.mCustomSlider->maxValue(), 200);
     EXPECT_EQ(ui.mCustomSlider->objectName(), "mCustomSlider");
     EXPECT_EQ(ui.mCustomSlider->accessibleName(), "Scrubbing bar");
+}
+
+// They may be shortcuts of the window.
+TEST_F(CustomSliderTest, keyPress_otherKeys_areLeftToTheWindow) {
+    QKeyEvent move(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
+    QApplication::sendEvent(&bar_, &move);
+    EXPECT_TRUE(move.isAccepted());
+    QKeyEvent other(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+    QApplication::sendEvent(&bar_, &other);
+    EXPECT_FALSE(other.isAccepted());
 }
 
 } // namespace

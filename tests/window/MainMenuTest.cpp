@@ -134,6 +134,7 @@ TEST_F(MainMenuTest, about_tellsVersionAndLicences) {
     controller_.mainWin().findChild<QAction*>("actionAbout")->trigger();
     auto* const box = controller_.mainWin().findChild<QMessageBox*>("aboutBox");
     ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), "About Velmora");
     EXPECT_EQ(box->text(), "Velmora " VELMORA_VERSION);
     EXPECT_TRUE(box->informativeText().contains("FFmpeg"));
     box->close();
