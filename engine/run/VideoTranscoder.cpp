@@ -73,8 +73,6 @@ void VideoTranscoder::decode(Work& work) {
     if (work.packet == nullptr) {
         decoder_.sendEnd();
         maxPictures = work.maxPictures;
-    } else if (work.packet->size == 0) { // nothing comes of it
-        return;
     } else {
         decoder_.send(*work.packet); // a damaged packet may still give a picture
         work.packet.reset();

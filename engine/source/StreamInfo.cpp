@@ -113,7 +113,7 @@ bool QuickStreamInfo::tellsPictures() const {
     return std::ranges::all_of(streamsOf(container_), [](const AVStream* stream) {
         const AVCodecParameters& parameters = *stream->codecpar;
         return !isCostly(*stream) ||
-               (parameters.width > 0 && parameters.height > 0 && parameters.extradata_size > 0);
+               (parameters.width > 0 && parameters.height > 0 && parameters.extradata != nullptr);
     });
 }
 
