@@ -4,6 +4,7 @@
 #include "ReencodeSupport.h"
 
 #include <filesystem>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,6 +79,19 @@ TEST_F(FailureLog, soundThatCannotBeEncoded_isTold) {
     isFirst = true;
     const FaultyMedia faults({.queue = [&](int /*samples*/) { return once(); }});
     expectLogged("sound: queue: Cannot allocate memory", [&] { encode(); });
+}
+
+// What the standard library throws ends the run; what was not done has failed.
+TEST_F(FailureLog, runWithoutMemory_isToldAndFailsWhatIsLeft) {
+    fillJoin({source_, source_, source_}, output_);
+    int inputs = 0;
+    const FaultyMedia faults({.describe = [&](AVFormatContext& /*input*/) {
+        if (++inputs == 2) {
+            throw std::bad_alloc();
+        }
+    }});
+    expectLogged("the run cannot go on: std::bad_alloc", [&] { run(); });
+    EXPECT_EQ(result().states, (std::vector{1, 2, 2}));
 }
 
 TEST_F(FailureLog, jobThatIsTooLarge_isTold) {
