@@ -60,7 +60,7 @@ def remove(paths):
 def pairs(count, velmora, reference, outputs):
     """The measures of `count` pairs of runs, after one that does not count."""
     words = (Path(str(word).removeprefix("+")) for word in [*velmora[1:], *reference[1:]])
-    sources = {word for word in words if word.is_file() and word not in outputs}
+    sources = {word for word in words if os.path.isfile(word) and word not in outputs}
     measured = []
     for i in range(count + 1):
         pair = {}
