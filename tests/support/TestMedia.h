@@ -9,7 +9,7 @@
 
 namespace velmora::test {
 
-/// The path of one of the media files of TestMedia.cpp, by its name there. The file is made on
+/// The path of one of the media files of MediaRecipes.cpp, by its name there. The file is made on
 /// first use, from the command recorded there, and shared by all tests: never write to it. Throws
 /// when it cannot be made or has no such name.
 std::string mediaPath(const std::string& name);
