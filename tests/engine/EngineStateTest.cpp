@@ -2,17 +2,11 @@
 #include "EngineLog.h"
 #include "TestMedia.h"
 
-extern "C" {
-#include <libavutil/frame.h>
-#include <libavutil/imgutils.h>
-#include <libavutil/log.h>
-#include <libavutil/pixdesc.h>
-}
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
+#include <cstdint>
+#include <filesystem>
 #include <initializer_list>
 #include <limits>
 #include <string>
@@ -58,7 +52,7 @@ public:
     ResetState seen;
 };
 
-const FirstUse* const firstUse = dynamic_cast<const FirstUse*>(
+const FirstUse* const kFirstUse = dynamic_cast<const FirstUse*>(
     ::testing::AddGlobalTestEnvironment(new FirstUse)); // which owns it
 
 class Engine : public ::testing::Test {
@@ -76,7 +70,7 @@ protected:
 };
 
 TEST_F(Engine, FirstUse_fields_have_their_initial_values) {
-    EXPECT_EQ(firstUse->seen, kFirst);
+    EXPECT_EQ(kFirstUse->seen, kFirst);
 }
 
 TEST_F(Engine, AnotherCallOfInstance_gives_the_same_engine) {
@@ -185,25 +179,25 @@ void expectKept(Field& field, std::initializer_list<Value> values) {
 }
 
 TEST_F(Engine, Numbers_keep_what_jobs_need) {
-    constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     for (std::int32_t ConversionEngine::*field :
          {&ConversionEngine::inputCount, &ConversionEngine::joinTotalMs,
           &ConversionEngine::videoCodecId, &ConversionEngine::audioCodecId,
           &ConversionEngine::videoBitRate, &ConversionEngine::videoWidth,
           &ConversionEngine::videoHeight, &ConversionEngine::audioBitRate,
           &ConversionEngine::audioSampleRate, &ConversionEngine::audioChannels}) {
-        expectKept(engine().*field, {least, -1, 0, most});
+        expectKept(engine().*field, {kLeast, -1, 0, kMost});
     }
     expectKept(engine().videoFrameRate, {0.0, 23.976, 30000.0 / 1001.0});
 }
 
 TEST_F(Engine, ProbeResults_keep_what_files_tell) {
-    constexpr std::int64_t tenHoursUs = 36'000'000'000;
+    constexpr std::int64_t kTenHoursUs = 36'000'000'000;
     for (std::int64_t ConversionEngine::*field :
          {&ConversionEngine::durationUs, &ConversionEngine::durationFloor,
           &ConversionEngine::durationSeconds}) {
-        expectKept(engine().*field, {std::numeric_limits<std::int64_t>::min(), tenHoursUs});
+        expectKept(engine().*field, {std::numeric_limits<std::int64_t>::min(), kTenHoursUs});
     }
     for (std::int32_t ConversionEngine::*field :
          {&ConversionEngine::streamCount, &ConversionEngine::videoStreamIndex,
@@ -287,134 +281,6 @@ TEST_F(Engine, NegativeInputCount_run_touches_nothing) {
     engine().run();
 
     EXPECT_EQ(engine().fileStates[0], 7);
-}
-
-TEST(StringTable, CountBelowOne_has_no_rows) {
-    EXPECT_TRUE(ConversionEngine::allocStringTable(0, 256).empty());
-    EXPECT_TRUE(ConversionEngine::allocStringTable(-1, 256).empty());
-    EXPECT_TRUE(ConversionEngine::allocStringTable(std::numeric_limits<int>::min(), 256).empty());
-}
-
-TEST(StringTable, Rows_are_zeroed_and_as_large_as_asked) {
-    const StringTable table = ConversionEngine::allocStringTable(3, 256);
-
-    ASSERT_EQ(table.size(), 3U);
-    for (const std::string& row : table) {
-        EXPECT_EQ(row, std::string(256, '\0'));
-    }
-}
-
-TEST(StringTable, RowOfNoSize_is_empty) {
-    EXPECT_EQ(ConversionEngine::allocStringTable(2, 0), (StringTable{"", ""}));
-    EXPECT_EQ(ConversionEngine::allocStringTable(1, -4), (StringTable{""}));
-}
-
-TEST(StringTable, Rows_do_not_share_their_bytes) {
-    StringTable table = ConversionEngine::allocStringTable(2, 16);
-    ConversionEngine::copyString(table[0].data(), 16, "first");
-
-    EXPECT_STREQ(table[0].c_str(), "first");
-    EXPECT_EQ(table[1], std::string(16, '\0'));
-}
-
-/// A buffer whose untouched bytes can be told.
-std::string copied(int size, const char* source) {
-    std::string buffer = "########";
-    ConversionEngine::copyString(buffer.data(), size, source);
-    return buffer;
-}
-
-using namespace std::string_literals;
-
-TEST(CopyString, SizeZeroOrLess_nothing_is_written) {
-    EXPECT_EQ(copied(0, "abc"), "########");
-    EXPECT_EQ(copied(-1, "abc"), "########");
-    EXPECT_EQ(copied(std::numeric_limits<int>::min(), "abc"), "########");
-}
-
-TEST(CopyString, SizeZeroOrLess_destination_may_be_null) {
-    ConversionEngine::copyString(nullptr, 0, "abc");
-    ConversionEngine::copyString(nullptr, -1, "abc");
-}
-
-TEST(CopyString, SizeOne_only_the_terminator_is_written) {
-    EXPECT_EQ(copied(1, "abc"), "\0#######"s);
-}
-
-TEST(CopyString, LongerSource_is_cut_off_and_terminated) {
-    EXPECT_EQ(copied(4, "abcdef"), "abc\0####"s);
-    EXPECT_EQ(copied(4, "abcd"), "abc\0####"s);
-}
-
-TEST(CopyString, SourceThatJustFits_is_copied_whole) {
-    EXPECT_EQ(copied(4, "abc"), "abc\0####"s);
-}
-
-TEST(CopyString, ShorterSource_bytes_after_the_terminator_stay) {
-    EXPECT_EQ(copied(8, "ab"), "ab\0#####"s);
-    EXPECT_EQ(copied(8, ""), "\0#######"s);
-}
-
-// The part that is wanted may be all there is: no byte beyond it may be read.
-TEST(CopyString, UnterminatedSource_is_read_no_further_than_needed) {
-    const std::array<char, 3> source{'a', 'b', 'c'};
-    EXPECT_EQ(copied(4, source.data()), "abc\0####"s);
-}
-
-struct Layout {
-    AVPixelFormat format;
-    int width;
-    int height;
-};
-
-class AllocPicture : public ::testing::TestWithParam<Layout> {};
-
-TEST_P(AllocPicture, Planes_follow_each_other_without_padding) {
-    const auto [format, width, height] = GetParam();
-    const PictureHandle picture = ConversionEngine::allocPicture(format, width, height);
-
-    ASSERT_NE(picture, nullptr);
-    EXPECT_EQ(picture->format, format);
-    EXPECT_EQ(picture->width, width);
-    EXPECT_EQ(picture->height, height);
-    std::array<std::uint8_t*, 4> planes{};
-    std::array<int, 4> strides{};
-    const int size = av_image_fill_arrays(planes.data(), strides.data(), picture->data[0], format,
-                                          width, height, 1);
-    ASSERT_GT(size, 0);
-    for (std::size_t i = 0; i < planes.size(); ++i) {
-        EXPECT_EQ(picture->data[i], planes[i]) << "plane " << i;
-        EXPECT_EQ(picture->linesize[i], strides[i]) << "plane " << i;
-    }
-    std::fill_n(picture->data[0], size, std::uint8_t{0x5A}); // all of it may be written
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Layouts, AllocPicture,
-    ::testing::Values(Layout{AV_PIX_FMT_YUV420P, 320, 240}, Layout{AV_PIX_FMT_YUV420P, 321, 241},
-                      Layout{AV_PIX_FMT_YUV411P, 720, 480}, Layout{AV_PIX_FMT_YUVJ422P, 2, 2},
-                      Layout{AV_PIX_FMT_RGB24, 320, 240}, Layout{AV_PIX_FMT_BGR24, 7, 3},
-                      Layout{AV_PIX_FMT_GRAY8, 1, 1}),
-    [](const auto& tested) {
-        const Layout& layout = tested.param;
-        return asTestName(std::string(av_get_pix_fmt_name(layout.format)) + "_" +
-                          std::to_string(layout.width) + "x" + std::to_string(layout.height));
-    });
-
-TEST(AllocPictureFailure, BadSize_gives_null) {
-    av_log_set_level(AV_LOG_QUIET);
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, 0, 240), nullptr);
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, 320, 0), nullptr);
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, -320, 240), nullptr);
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, 320, -240), nullptr);
-    constexpr int huge = std::numeric_limits<int>::max();
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, huge, huge), nullptr);
-    av_log_set_level(AV_LOG_INFO);
-}
-
-TEST(AllocPictureFailure, UnknownPixelFormat_gives_null) {
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_NONE, 320, 240), nullptr);
-    EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_NB, 320, 240), nullptr);
 }
 
 } // namespace
