@@ -1,10 +1,61 @@
-// What a re-encoded file says of its colours.
+// The colours of a re-encoded file: what they are, and what it says of them.
 
 #include "MediaReader.h"
 #include "ReencodeSupport.h"
 
+#include <numeric>
+#include <string>
+#include <vector>
+
 namespace velmora::test {
 namespace {
+
+/// The average of a picture's luma.
+double lumaOf(const std::string& path) {
+    const std::string pixels =
+        runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", path, "-frames:v", "1", "-f",
+                    "rawvideo", "-pix_fmt", "gray", "-vf", "extractplanes=y", "-"})
+            .output;
+    const double sum =
+        std::accumulate(pixels.begin(), pixels.end(), 0.0, [](double total, char pixel) {
+            return total + static_cast<unsigned char>(pixel);
+        });
+    return sum / static_cast<double>(pixels.size());
+}
+
+class ReencodeRange : public Reencode, public testing::WithParamInterface<const char*> {};
+
+// White is 255 in full range and 235 in the range that the output is in.
+TEST_P(ReencodeRange, FullRangeSource_becomes_limited) {
+    const std::string white =
+        mediaMadeBy(std::string("-f lavfi -i color=white:size=160x120:rate=25:duration=1,"
+                                "scale=out_range=full,format=") +
+                        GetParam() + " -color_range pc -c:v ffv1 -level 3",
+                    std::string("white-") + GetParam() + ".mkv");
+    for (const int width : {160, 96}) {
+        engine_.videoWidth = width;
+        const std::string output = folder_ / "out.mp4";
+
+        EXPECT_EQ(cut(white, 0, 400, output).states, std::vector{1});
+
+        EXPECT_NEAR(lumaOf(output), 235.0, 2.0) << width;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, ReencodeRange,
+                         testing::Values("yuv420p", "yuv420p10le", "yuv444p"),
+                         [](const auto& made) { return std::string(made.param); });
+
+TEST_F(Reencode, RgbSource_is_tagged_by_a_matrix_that_players_know) {
+    const std::string red = mediaMadeBy(
+        "-f lavfi -i color=red:size=160x120:rate=25:duration=1 -pix_fmt bgr0 -c:v ffv1", "red.mkv");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(red, 0, 400, output).states, std::vector{1});
+
+    EXPECT_EQ(fieldsOf(output, "v:0").at("color_space"), "smpte170m");
+    EXPECT_NEAR(lumaOf(output), 81.0, 3.0);
+}
 
 /// A source of red, green and blue that says nothing of a matrix.
 class ReencodeOfRgb : public Reencode {

@@ -76,6 +76,23 @@ JobResult Reencode::runReencoding(const std::function<void()>& fill) {
     return run();
 }
 
+std::string smallSource() {
+    return mediaMadeBy("-f lavfi -i testsrc2=size=64x48:rate=25:duration=1 -f lavfi -i "
+                       "sine=sample_rate=44100:duration=1 -c:v mpeg4 -c:a aac -ac 2",
+                       "small.mkv");
+}
+
+ReencodeEncoder::ReencodeEncoder() {
+    engine_.videoWidth = 64;
+    engine_.videoHeight = 48;
+}
+
+std::string ReencodeEncoder::made(const std::string& source, const std::string& extension) {
+    std::string output = folder_ / ("out." + extension);
+    EXPECT_EQ(cut(source, 0, 1000, output).states, std::vector{1});
+    return output;
+}
+
 nlohmann::json fieldsOf(const std::string& path, const std::string& stream) {
     const auto streams =
         ffprobeJson(path, {"-show_streams", "-select_streams", stream}).at("streams");
@@ -108,21 +125,21 @@ std::vector<double> flashesIn(const std::string& path) {
 }
 
 std::vector<double> beepsIn(const std::string& path) {
-    constexpr int rate = 44100;
-    constexpr float loud = 0.2F;
-    constexpr std::size_t quietBefore = rate / 20;
+    constexpr int kRate = 44100;
+    constexpr float kLoud = 0.2F;
+    constexpr std::size_t kQuietBefore = kRate / 20;
     // Gaps between the packets become silence, so that the place of a sample is its time.
     const std::string bytes =
         decoded(path, {"-map", "0:a", "-af", "aresample=async=1:first_pts=0", "-ac", "1", "-ar",
-                       std::to_string(rate), "-f", "f32le"});
+                       std::to_string(kRate), "-f", "f32le"});
     std::vector<float> samples(bytes.size() / sizeof(float));
     std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
     std::vector<double> beeps;
-    std::size_t quiet = quietBefore;
+    std::size_t quiet = kQuietBefore;
     for (std::size_t i = 0; i < samples.size(); ++i) {
-        const bool isLoud = std::abs(samples[i]) > loud;
-        if (isLoud && quiet >= quietBefore) {
-            beeps.push_back(static_cast<double>(i) / rate);
+        const bool isLoud = std::abs(samples[i]) > kLoud;
+        if (isLoud && quiet >= kQuietBefore) {
+            beeps.push_back(static_cast<double>(i) / kRate);
         }
         quiet = isLoud ? 0 : quiet + 1;
     }

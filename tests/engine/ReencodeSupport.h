@@ -29,6 +29,18 @@ private:
     JobResult runReencoding(const std::function<void()>& fill);
 };
 
+/// A second of small pictures, 25 of them, and sound. Shared by all tests: never write to it.
+std::string smallSource();
+
+/// A test of re-encoding jobs that ask for pictures of the size that `smallSource` has.
+class ReencodeEncoder : public Reencode {
+protected:
+    ReencodeEncoder();
+
+    /// A second of the source; the path of the output.
+    std::string made(const std::string& source, const std::string& extension);
+};
+
 /// What ffprobe tells of the stream; null when there is none.
 nlohmann::json fieldsOf(const std::string& path, const std::string& stream);
 

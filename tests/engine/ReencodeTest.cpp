@@ -2,17 +2,13 @@
 #include "ReencodeSupport.h"
 
 extern "C" {
-#include <libavcodec/codec_id.h>
+#include <libavcodec/avcodec.h>
 }
 
-#include <gtest/gtest.h>
 #include <sched.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <functional>
-#include <numeric>
+#include <cstddef>
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -136,12 +132,6 @@ TEST_F(Reencode, EveryTwelfthPictureOfAStill_alone_is_a_key_picture) {
     }
 }
 
-TEST_F(Reencode, SourceRate_is_put_into_the_settings) {
-    EXPECT_EQ(cut(mediaPath("h264-2997.mp4"), 0, 500, folder_ / "out.mp4").states, std::vector{1});
-
-    EXPECT_EQ(engine_.videoFrameRate, 29.0);
-}
-
 TEST_F(Reencode, AacBelowItsLeastBitRate_gets_that) {
     engine_.audioBitRate = 96'000;
     const std::string output = folder_ / "out.mp4";
@@ -177,44 +167,6 @@ TEST_F(Reencode, Result_does_not_depend_on_the_cores) {
     EXPECT_EQ(readFile(free), readFile(bound));
 }
 
-class ReencodeRefused : public Reencode, public testing::WithParamInterface<const char*> {
-protected:
-    void spoil(const std::string& setting) {
-        if (setting == "videoCodec") {
-            engine_.videoCodecId = AV_CODEC_ID_MPEG2VIDEO;
-        } else if (setting == "audioCodec") {
-            engine_.audioCodecId = AV_CODEC_ID_FLAC;
-        } else if (setting == "width") {
-            engine_.videoWidth = 161;
-        } else if (setting == "height") {
-            engine_.videoHeight = 0;
-        } else if (setting == "sampleRate") {
-            engine_.audioSampleRate = 12345;
-        } else if (setting == "channels") {
-            engine_.audioChannels = 0;
-        } else if (setting == "mp3Channels") {
-            choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3);
-            engine_.audioChannels = 6;
-        }
-    }
-};
-
-TEST_P(ReencodeRefused, Setting_fails_the_input_and_says_so) {
-    spoil(GetParam());
-    const std::string output = folder_ / "out.mp4";
-    const AtLogLine line(": set up streams: ", [](int) {});
-
-    EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 1000, output).states, std::vector{2});
-
-    EXPECT_GE(line.seen(), 1);
-    EXPECT_FALSE(std::filesystem::exists(output));
-}
-
-INSTANTIATE_TEST_SUITE_P(Settings, ReencodeRefused,
-                         testing::Values("videoCodec", "audioCodec", "width", "height",
-                                         "sampleRate", "channels", "mp3Channels"),
-                         [](const auto& made) { return std::string(made.param); });
-
 TEST_F(Reencode, SourceWithoutSound_gives_pictures_alone) {
     const std::string output = folder_ / "out.mp4";
 
@@ -233,100 +185,6 @@ TEST_F(Reencode, RotatedSource_stays_upright) {
         return fieldsOf(path, "v:0").at("side_data_list").at(0).at("rotation");
     };
     EXPECT_EQ(rotationOf(output), rotationOf(mediaPath("tagged-rotated.mp4")));
-}
-
-/// The average of a picture's luma.
-double lumaOf(const std::string& path) {
-    const std::string pixels =
-        runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", path, "-frames:v", "1", "-f",
-                    "rawvideo", "-pix_fmt", "gray", "-vf", "extractplanes=y", "-"})
-            .output;
-    const double sum =
-        std::accumulate(pixels.begin(), pixels.end(), 0.0, [](double total, char pixel) {
-            return total + static_cast<unsigned char>(pixel);
-        });
-    return sum / static_cast<double>(pixels.size());
-}
-
-class ReencodeRange : public Reencode, public testing::WithParamInterface<const char*> {};
-
-// White is 255 in full range and 235 in the range that the output is in.
-TEST_P(ReencodeRange, FullRangeSource_becomes_limited) {
-    const std::string white =
-        mediaMadeBy(std::string("-f lavfi -i color=white:size=160x120:rate=25:duration=1,"
-                                "scale=out_range=full,format=") +
-                        GetParam() + " -color_range pc -c:v ffv1 -level 3",
-                    std::string("white-") + GetParam() + ".mkv");
-    for (const int width : {160, 96}) {
-        engine_.videoWidth = width;
-        const std::string output = folder_ / "out.mp4";
-
-        EXPECT_EQ(cut(white, 0, 400, output).states, std::vector{1});
-
-        EXPECT_NEAR(lumaOf(output), 235.0, 2.0) << width;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Formats, ReencodeRange,
-                         testing::Values("yuv420p", "yuv420p10le", "yuv444p"),
-                         [](const auto& made) { return std::string(made.param); });
-
-TEST_F(Reencode, RgbSource_is_tagged_by_a_matrix_that_players_know) {
-    const std::string red = mediaMadeBy(
-        "-f lavfi -i color=red:size=160x120:rate=25:duration=1 -pix_fmt bgr0 -c:v ffv1", "red.mkv");
-    const std::string output = folder_ / "out.mp4";
-
-    EXPECT_EQ(cut(red, 0, 400, output).states, std::vector{1});
-
-    EXPECT_EQ(fieldsOf(output, "v:0").at("color_space"), "smpte170m");
-    EXPECT_NEAR(lumaOf(output), 81.0, 3.0);
-}
-
-TEST_F(Reencode, Join_takes_inputs_that_differ_in_everything) {
-    const std::vector<std::string> inputs = {mediaPath("h264.mp4"), mediaPath("mpeg4.avi"),
-                                             mediaPath("hevc.mp4"), mediaPath("vorbis.mkv")};
-    const std::string output = folder_ / "out.mp4";
-
-    EXPECT_EQ(join(inputs, output).states, std::vector<int>(inputs.size(), 1));
-
-    std::size_t pictures = 0;
-    for (const std::string& input : inputs) {
-        pictures += frameMd5s(input, "v:0").size();
-    }
-    EXPECT_EQ(packetsOf(output, "v:0").size(), pictures - 1); // one stays in the encoder
-    EXPECT_TRUE(ffmpegDecodesClean(output));
-}
-
-TEST_F(Reencode, JoinOfEqualRates_keeps_sound_and_picture_together) {
-    const std::string source = mediaPath("h264.mp4");
-    const std::string output = folder_ / "out.mp4";
-
-    EXPECT_EQ(join({source, source, source, source}, output).states, std::vector(4, 1));
-
-    const double ownOffset = endOf(source, "v:0") - endOf(source, "a:0");
-    const double offset = endOf(output, "v:0") - endOf(output, "a:0");
-    constexpr double frames = 1.0 / 30 + 1024.0 / 44100;
-    EXPECT_LE(std::abs(offset - ownOffset), frames + 1.0 / 30); // and the encoder's last picture
-    const auto packets = packetsOf(output, "v:0");
-    for (std::size_t i = 1; i < packets.size(); ++i) {
-        ASSERT_GT(packets[i].dts.value(), packets[i - 1].dts.value()) << i;
-    }
-}
-
-TEST_F(Reencode, LaterInputWithSound_fails_where_the_first_had_none) {
-    const std::string output = folder_ / "out.mp4";
-
-    EXPECT_EQ(join({mediaPath("video-only.mp4"), mediaPath("h264.mp4")}, output).states,
-              (std::vector{1, 2}));
-}
-
-TEST_F(Reencode, SoundThatCannotBeEncoded_fails_the_input) {
-    const std::string source =
-        mediaMadeBy("-f lavfi -i testsrc2=size=64x36:rate=25:duration=1 -f lavfi -i "
-                    "aevalsrc=0/0:sample_rate=44100:duration=1 -c:v mpeg4 -c:a pcm_f32le",
-                    "nan.mkv");
-
-    EXPECT_EQ(cut(source, 0, 1000, folder_ / "out.mp4").states, std::vector{2});
 }
 
 TEST_F(Reencode, Threads_and_descriptors_are_gone_afterwards) {
