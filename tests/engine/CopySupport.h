@@ -8,6 +8,9 @@
 
 namespace velmora::test {
 
+/// A test of copying jobs.
+class Copy : public JobTest {};
+
 /// One stream of a file, as ffprobe shows it.
 struct StreamFacts {
     nlohmann::json fields;
