@@ -212,5 +212,15 @@ TEST_F(Copy, CutByBytes_keeps_every_packet_in_place) {
     expectPackets(output, {{&source, first, 30}});
 }
 
+// Its times are in milliseconds, from which the rate of a few pictures can only be guessed.
+TEST_F(Copy, matroska_tellsTheRateOfItsPictures) {
+    const std::string source = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=64x48:rate=24000/1001 -frames:v 5 -c:v mpeg4", "film.mp4");
+    const std::string output = folder_ / "out.mkv";
+    ASSERT_EQ(cut(source, 0, 1000, output).states, std::vector{1});
+    const auto streams = ffprobeJson(output, {"-show_streams"}).at("streams");
+    EXPECT_EQ(streams.at(0).at("avg_frame_rate"), "24000/1001");
+}
+
 } // namespace
 } // namespace velmora::test

@@ -102,6 +102,16 @@ TEST_F(JoinerTest, remove_nothingSelected_doesNothing) {
     EXPECT_EQ(rows(), 1);
 }
 
+TEST_F(JoinerTest, remove_firstOfSeveralSelectedRows_goesWhenItIsTheCurrentOne) {
+    dropOnTable({video_, media("h264.mp4")});
+    table().selectRow(1);
+    table().selectionModel()->setCurrentIndex(
+        table().model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    press("mButtonJoinerRemove");
+    ASSERT_EQ(rows(), 1);
+    EXPECT_EQ(cell(0, 0), media("h264.mp4"));
+}
+
 TEST_F(JoinerTest, remove_selectedRow_goes) {
     for (const char* const name : {"video-only.mp4", "h264.mp4", "mpeg4.avi"}) {
         dropOnTable({media(name)});
