@@ -2,49 +2,21 @@
 
 #include "CommonAction.h"
 #include "ConversionEngine.h"
+#include "EncoderNames.h"
+#include "Job.h"
 #include "LeadingNumber.h"
 #include "MediaOperations.h"
 #include "PlatformLog.h"
 #include "SharedState.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
-
 #include <QFileInfo>
 
-#include <algorithm>
-#include <array>
-#include <optional>
 #include <stdexcept>
-#include <utility>
 
 namespace velmora {
 namespace {
 
-constexpr int kPathSize = 256; // of a new row; the paths that replace them may be longer
-constexpr std::int64_t kBitsPerKilobit = 1000;
 constexpr float kMsPerSecond = 1000.0F;
-
-using NamedCodec = std::pair<const char*, AVCodecID>;
-
-constexpr std::array kAudioEncoders = {
-    NamedCodec{"MP3", AV_CODEC_ID_MP3}, NamedCodec{"WMA8", AV_CODEC_ID_WMAV2},
-    NamedCodec{"AAC", AV_CODEC_ID_AAC}, NamedCodec{"VORBIS", AV_CODEC_ID_VORBIS}};
-constexpr std::array kVideoEncoders = {
-    NamedCodec{"MPEG4", AV_CODEC_ID_MPEG4}, NamedCodec{"H264", AV_CODEC_ID_H264},
-    NamedCodec{"WMV2", AV_CODEC_ID_WMV2}, NamedCodec{"FLV", AV_CODEC_ID_FLV1}};
-
-template <typename Encoders>
-std::optional<AVCodecID> codecNamed(const Encoders& encoders, const QString& name) {
-    const auto* const found =
-        std::ranges::find_if(encoders, [&](const auto& encoder) { return name == encoder.first; });
-    return found != encoders.end() ? std::optional(found->second) : std::nullopt;
-}
-
-std::int32_t bitsPerSecond(const QString& kilobits) {
-    return truncated(static_cast<double>(leadingInteger(kilobits) * kBitsPerKilobit));
-}
 
 QString firstWord(const QString& text) {
     return text.section(' ', 0, 0);
@@ -54,94 +26,54 @@ std::int32_t partOfResolution(const QString& resolution, int part) {
     return leadingInteger(resolution.section('x', part, part));
 }
 
-/// Fills the engine's tables and settings from one request.
-class Filling {
-public:
-    Filling(ConversionEngine& engine, const RunRequest& request)
-        : engine_(engine), request_(request) {}
-
-    void fill();
-
-private:
-    void prepareTables();
-    void fillItem(std::size_t index);
-    void fillTimes(std::size_t index);
-    void fillAudio();
-    void fillVideo();
-
-    ConversionEngine& engine_;
-    const RunRequest& request_;
-};
-
-void Filling::fill() {
-    prepareTables();
-    // A longer job is refused by the engine; its tables end here.
-    const std::size_t count = std::min(request_.items.size(), ConversionEngine::kMaxInputs);
-    for (std::size_t i = 0; i < count; ++i)
-        fillItem(i);
-}
-
-void Filling::prepareTables() {
-    engine_.jobCount = static_cast<std::int32_t>(request_.items.size());
-    engine_.inputCount = static_cast<std::int32_t>(request_.items.size());
-    engine_.inputPaths = ConversionEngine::allocStringTable(engine_.inputCount, kPathSize);
-    engine_.outputPaths = ConversionEngine::allocStringTable(engine_.inputCount, kPathSize);
-    engine_.currentPercent = -1;
-    engine_.joinTotalMs = 0;
-    engine_.videoCodecChosen = 0;
-    platformLog(QString::asprintf("len:%d", engine_.inputCount));
-}
-
-void Filling::fillItem(std::size_t index) {
-    engine_.inputPaths[index] = request_.items[index].inputFile.toStdString();
-    engine_.outputPaths[index] = request_.job.fullPath.toStdString();
-    fillTimes(index);
-    fillAudio();
-    fillVideo();
-}
-
-// The joiner's items are in seconds and are divided all the same: their sum ends up as the whole
-// seconds that the engine's `joinTotalMs` is counted in.
-void Filling::fillTimes(std::size_t index) {
-    const NodeInfo& item = request_.items[index];
-    const double start = item.startTime / kMsPerSecond;
-    const double end = item.endTime / kMsPerSecond;
-    engine_.startTimes[index] = start;
-    engine_.endTimes[index] = end;
+// The joiner's items are in seconds and are divided all the same: a job adds their lengths up as
+// whole seconds.
+void addItem(Job& job, const NodeInfo& item, const QString& output) {
+    job.add(item.inputFile.toStdString(), output.toStdString(), item.startTime / kMsPerSecond,
+            item.endTime / kMsPerSecond);
     platformLog(QString::asprintf("curNode.start:%f, curNode.end:%f",
                                   static_cast<double>(item.startTime),
                                   static_cast<double>(item.endTime)));
-    if (request_.job.isCutter != 0)
-        engine_.spans[index] = end - start;
-    else
-        engine_.joinTotalMs = truncated(engine_.joinTotalMs + end * 1000.0);
 }
 
-void Filling::fillAudio() {
-    const NodeSetting& setting = request_.setting;
-    engine_.audioBitRate = bitsPerSecond(setting.aBitrate);
-    engine_.audioChannels = leadingInteger(setting.aChannels);
-    engine_.audioSampleRate = leadingInteger(setting.aSamplerate);
+void takeAudio(Job& job, const RunRequest& request) {
+    const NodeSetting& setting = request.setting;
     platformLog(
         QString("bitrate:%1, ch:%2, sample:%3 encoder:%4")
             .arg(setting.aBitrate, setting.aChannels, setting.aSamplerate, setting.aEncoder));
-    engine_.audioCodecId = codecNamed(kAudioEncoders, setting.aEncoder)
-                               .value_or(static_cast<AVCodecID>(request_.audioCodecId));
+    job.audio = {.codec = codecNamed(kAudioEncoders, setting.aEncoder.toStdString())
+                              .value_or(static_cast<AVCodecID>(request.audioCodecId)),
+                 .bitRate = bitsPerSecond(leadingInteger(setting.aBitrate)),
+                 .sampleRate = leadingInteger(setting.aSamplerate),
+                 .channels = leadingInteger(setting.aChannels)};
 }
 
-void Filling::fillVideo() {
-    const NodeSetting& setting = request_.setting;
-    engine_.videoBitRate = bitsPerSecond(setting.vBitrate);
-    engine_.videoFrameRate = leadingDecimal(setting.vFrameRate);
-    engine_.videoWidth = setting.width;
-    engine_.videoHeight = setting.height;
-    platformLog(QString::asprintf("vbitrate:%d, framerate:%f, width:%d height:%d",
-                                  engine_.videoBitRate, engine_.videoFrameRate, engine_.videoWidth,
-                                  engine_.videoHeight));
-    const auto codec = codecNamed(kVideoEncoders, setting.vEncoder);
-    engine_.videoCodecId = codec.value_or(static_cast<AVCodecID>(request_.videoCodecId));
-    if (codec)
-        engine_.videoCodecChosen = 1;
+void takeVideo(Job& job, const RunRequest& request) {
+    const NodeSetting& setting = request.setting;
+    const auto chosen = codecNamed(kVideoEncoders, setting.vEncoder.toStdString());
+    const std::int32_t bitRate = bitsPerSecond(leadingInteger(setting.vBitrate));
+    job.videoCodecChosen = chosen.has_value();
+    job.video = {.codec = chosen.value_or(static_cast<AVCodecID>(request.videoCodecId)),
+                 .bitRate = bitRate,
+                 .width = setting.width,
+                 .height = setting.height,
+                 .frameRate = leadingDecimal(setting.vFrameRate)};
+    platformLog(QString::asprintf("vbitrate:%d, framerate:%f, width:%d height:%d", bitRate,
+                                  job.video.frameRate, job.video.width, job.video.height));
+}
+
+/// The request in the engine's units. The settings are told, and thus taken, with each item.
+Job jobOf(const RunRequest& request) {
+    Job job;
+    job.joins = request.job.isCutter == 0;
+    job.reencodes = request.job.isDirectly == 0;
+    platformLog(QString("len:%1").arg(request.items.size()));
+    for (const NodeInfo& item : request.items) {
+        addItem(job, item, request.job.fullPath);
+        takeAudio(job, request);
+        takeVideo(job, request);
+    }
+    return job;
 }
 
 } // namespace
@@ -154,10 +86,12 @@ RunRequest RunRequest::of(const ConverterInfo& job) {
                        .videoCodecId = engine.videoCodecId,
                        .audioCodecId = engine.audioCodecId};
     const std::int32_t count = CommonAction::getSeleteCount();
-    for (std::int32_t i = 0; i < count; ++i)
+    for (std::int32_t i = 0; i < count; ++i) {
         request.items.push_back(*CommonAction::getSeleteObject(i));
-    if (currentSetting)
+    }
+    if (currentSetting) {
         request.setting = *currentSetting;
+    }
     return request;
 }
 
@@ -171,17 +105,14 @@ void ConverterThread::fill(const RunRequest& request) {
     platformLog(
         QString("uuuuuuuuu(path:%1 %2)").arg(job.fullPath, QString::number(job.isDirectly)));
     ConversionEngine& engine = ConversionEngine::instance();
-    Filling(engine, request).fill();
-    engine.currentIndex = -1;
-    engine.stopRequested = 0;
-    engine.currentPercent = 0;
-    engine.joinMode = job.isCutter == 0 ? 1 : 0;
-    engine.reencode = job.isDirectly == 0 ? 1 : 0;
+    engine.currentPercent = -1; // until the run can begin
+    load(engine, jobOf(request));
 }
 
 void ConverterThread::copyProbeToSetting() {
-    if (!currentSetting)
+    if (!currentSetting) {
         return;
+    }
     NodeSetting& setting = *currentSetting;
     const ConversionEngine& engine = ConversionEngine::instance();
     const auto nameOf = [](std::int32_t codec) {
@@ -207,7 +138,7 @@ std::int32_t ConverterThread::getChannel(const QString& text) {
 }
 
 std::int32_t ConverterThread::getBitRate(const QString& kilobits) {
-    return bitsPerSecond(firstWord(kilobits));
+    return bitsPerSecond(leadingInteger(firstWord(kilobits)));
 }
 
 std::int32_t ConverterThread::getSamplerate(const QString& text) {
@@ -227,11 +158,12 @@ std::int32_t ConverterThread::getHeightFromResolution(const QString& resolution)
 }
 
 QString ConverterThread::getExt(const QString& fileType) {
-    constexpr int beforeExtension = 2;
+    constexpr int kMarkLength = 2;
     const qsizetype mark = fileType.indexOf("*.");
-    if (mark < 0)
+    if (mark < 0) {
         throw std::invalid_argument("a file type without \"*.\"");
-    QString extension = fileType.mid(mark + beforeExtension);
+    }
+    QString extension = fileType.mid(mark + kMarkLength);
     extension.chop(1);
     return extension;
 }

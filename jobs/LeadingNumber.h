@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Saturated.h" // for those who go on counting with what they have read
+
 #include <QString>
 
 #include <cstdint>
@@ -12,9 +14,5 @@ std::int32_t leadingInteger(const QString& text);
 
 /// Likewise with a decimal point, whatever the user's language, and an exponent.
 double leadingDecimal(const QString& text);
-
-/// A number without its fraction; what 32 bits cannot hold gives the nearest that fits, and what is
-/// no number 0.
-std::int32_t truncated(double number);
 
 } // namespace velmora

@@ -3,17 +3,10 @@
 #include "Decoder.h"
 #include "FrameRate.h"
 #include "InputMedia.h"
-
-#include <algorithm>
-#include <limits>
+#include "Saturated.h"
 
 namespace velmora {
 namespace {
-
-std::int32_t fitting(std::int64_t value) {
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(
-        value, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
-}
 
 SampleAspectRatio sampleAspectRatioOf(const InputMedia& input) {
     // What the container says goes before what the coded pictures say.
@@ -28,7 +21,7 @@ ProbeResults::Video videoOf(const InputMedia& input, const AVCodecContext& decod
     return {.codecId = stream.codecpar->codec_id,
             .width = decoder.width,
             .height = decoder.height,
-            .bitRate = fitting(decoder.bit_rate),
+            .bitRate = saturated(decoder.bit_rate),
             .frameRate = correctedFrameRate(stream.r_frame_rate),
             .aspect = sampleAspectRatioOf(input)};
 }
@@ -39,11 +32,11 @@ ProbeResults::Audio audioOf(const AVStream& stream, const Decoder& decoder) {
     ProbeResults::Audio audio{.codecId = told.codec_id,
                               .channels = told.ch_layout.nb_channels,
                               .sampleRate = told.sample_rate,
-                              .bitRate = fitting(told.bit_rate)};
+                              .bitRate = saturated(told.bit_rate)};
     if (decoder.isOpen()) {
         audio.channels = decoder.context().ch_layout.nb_channels;
         audio.sampleRate = decoder.context().sample_rate;
-        audio.bitRate = fitting(decoder.context().bit_rate);
+        audio.bitRate = saturated(decoder.context().bit_rate);
     }
     return audio;
 }

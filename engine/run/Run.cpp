@@ -69,7 +69,7 @@ private:
 void JobRun::execute() {
     for (index_ = 0; index_ < count_; ++index_) {
         progress_.inputIs(index_);
-        InputProgress progress(progress_, index_, job_.spanSeconds[index_], job_.joins);
+        InputProgress progress(progress_, index_, job_.spanOf(index_), job_.joins);
         const Step step = processInput(progress);
         if (step == Step::RunEnds || (step == Step::InputFailed && isStopped())) {
             return;
@@ -202,7 +202,7 @@ void JobRun::seekToStart() {
 
 void JobRun::handlePackets(InputProgress& progress) {
     const PacketPump::Plan plan{.videoSeconds =
-                                    job_.joins ? PacketPump::kWhole : job_.spanSeconds[index_],
+                                    job_.joins ? PacketPump::kWhole : job_.spanOf(index_),
                                 // A cut ends by its pictures; what was read before them is its own.
                                 .inTimeOrder = job_.joins && job_.reencodes,
                                 .readAhead = conversion_->readAhead()};

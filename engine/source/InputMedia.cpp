@@ -1,11 +1,11 @@
 #include "InputMedia.h"
 
 #include "EngineLog.h"
+#include "Saturated.h"
 #include "SourceStreams.h"
 #include "StreamInfo.h"
 
 #include <algorithm>
-#include <cmath>
 #include <span>
 #include <utility>
 
@@ -13,15 +13,6 @@ namespace velmora {
 namespace {
 
 constexpr double kMicrosecondsPerSecond = 1'000'000.0;
-
-/// Truncates; what does not fit becomes the nearest value that does.
-std::int64_t truncated(double value) {
-    constexpr double limit = 9.2e18;
-    if (std::isnan(value)) {
-        return 0;
-    }
-    return static_cast<std::int64_t>(std::clamp(value, -limit, limit));
-}
 
 /// Formats whose time stamps may jump are searched by byte position, where they allow that.
 bool seeksByBytes(const AVFormatContext& container) {
@@ -118,7 +109,7 @@ int InputMedia::seek(double& startSeconds) {
         result = av_seek_frame(container_.get(), -1, *position, AVSEEK_FLAG_BYTE);
     } else {
         startSeconds += containerStartSeconds();
-        const std::int64_t timestamp = truncated(startSeconds * kMicrosecondsPerSecond);
+        const std::int64_t timestamp = truncatedTo64Bits(startSeconds * kMicrosecondsPerSecond);
         result = av_seek_frame(container_.get(), -1, timestamp, AVSEEK_FLAG_BACKWARD);
     }
     const bool isRaw = (container_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
@@ -139,7 +130,7 @@ std::optional<std::int64_t> InputMedia::bytePosition(double startSeconds) const 
     }
     const double position = static_cast<double>(size) * startSeconds * kMicrosecondsPerSecond /
                             static_cast<double>(durationUs);
-    return std::clamp(truncated(position), INT64_C(0), size);
+    return std::clamp(truncatedTo64Bits(position), INT64_C(0), size);
 }
 
 double InputMedia::containerStartSeconds() const {

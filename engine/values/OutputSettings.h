@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Saturated.h"
+
 extern "C" {
 #include <libavcodec/codec_id.h>
 }
@@ -7,6 +9,12 @@ extern "C" {
 #include <cstdint>
 
 namespace velmora {
+
+/// Users and profiles count bit rates in thousands.
+constexpr std::int32_t bitsPerSecond(std::int32_t kilobitsPerSecond) {
+    constexpr std::int64_t kBitsPerKilobit = 1000;
+    return saturated(kilobitsPerSecond * kBitsPerKilobit);
+}
 
 /// What the pictures of a re-encoded output are to be.
 struct VideoSettings {

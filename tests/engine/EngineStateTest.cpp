@@ -1,5 +1,6 @@
 #include "ConversionEngine.h"
 #include "EngineLog.h"
+#include "Job.h"
 #include "TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -227,16 +228,13 @@ TEST_F(Engine, LastInput_has_entries_of_its_own_in_every_table) {
 
 void fillJob(int count, const std::string& input, const std::string& output) {
     setLogSink(dropLogLine);
-    engine().inputCount = count;
-    engine().inputPaths = ConversionEngine::allocStringTable(count, 256);
-    engine().outputPaths = ConversionEngine::allocStringTable(count, 256);
-    std::ranges::fill(engine().inputPaths, input);
-    std::ranges::fill(engine().outputPaths, output);
+    Job job;
+    job.joins = true;
+    for (int i = 0; i < count; ++i) {
+        job.add(input, output, 0.0, 0.001);
+    }
+    load(engine(), job);
     std::ranges::fill(engine().fileStates, std::uint8_t{7});
-    engine().joinMode = 1;
-    engine().reencode = 0;
-    engine().joinTotalMs = count;
-    engine().stopRequested = 0;
 }
 
 TEST_F(Engine, JobOf999Inputs_run_reaches_them_all) {

@@ -16,8 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kPathBytes = 256;
-
 std::atomic<AtLogLine*> listener{nullptr};
 
 std::vector<std::string> ffmpegCommand(const std::string& command, const fs::path& target) {
@@ -51,50 +49,43 @@ JobTest::JobTest() : engine_(ConversionEngine::instance()) {
     engine_.reencode = 0;
 }
 
+/// A job that takes its settings from the engine.
+Job JobTest::newJob() const {
+    const Job inEngine(engine_);
+    Job job;
+    job.video = inEngine.video;
+    job.audio = inEngine.audio;
+    return job;
+}
+
 void JobTest::fillPaths(const std::vector<std::string>& inputs, const std::string& output) {
-    const int count = static_cast<int>(inputs.size());
-    engine_.jobCount = count;
-    engine_.inputCount = count;
-    engine_.inputPaths = ConversionEngine::allocStringTable(count, kPathBytes);
-    engine_.outputPaths = ConversionEngine::allocStringTable(count, kPathBytes);
-    engine_.currentPercent = -1;
-    engine_.joinTotalMs = 0;
-    engine_.videoCodecChosen = 0;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        engine_.inputPaths[i] = inputs[i];
-        engine_.outputPaths[i] = output;
+    Job job = newJob();
+    for (const std::string& input : inputs) {
+        job.add(input, output, 0.0, 0.0);
     }
-    engine_.currentIndex = -1;
-    engine_.stopRequested = 0;
-    engine_.reencode = 0;
+    load(engine_, job);
 }
 
 void JobTest::fillCut(const std::string& input, float startMs, float endMs,
                       const std::string& output) {
-    fillPaths({input}, output);
-    engine_.startTimes[0] = startMs / 1000.0F;
-    engine_.endTimes[0] = endMs / 1000.0F;
-    engine_.spans[0] = engine_.endTimes[0] - engine_.startTimes[0];
-    engine_.currentPercent = 0;
-    engine_.joinMode = 0;
+    Job job = newJob();
+    job.add(input, output, startMs / 1000.0F, endMs / 1000.0F);
+    load(engine_, job);
 }
 
 // An item of a join has its length in seconds where that of a cut has milliseconds, and both are
 // divided by 1000.
 void JobTest::fillJoin(const std::vector<std::string>& inputs, const std::string& output) {
-    fillPaths(inputs, output);
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        engine_.probePath = inputs[i];
+    Job job = newJob();
+    job.joins = true;
+    for (const std::string& input : inputs) {
+        engine_.probePath = input;
         const bool known = engine_.probe() == 0 && engine_.durationSeconds >= 0;
         const auto seconds =
             known ? static_cast<float>(static_cast<double>(engine_.durationUs) / 1e6) : 0.0F;
-        engine_.startTimes[i] = 0.0;
-        engine_.endTimes[i] = seconds / 1000.0F;
-        engine_.joinTotalMs =
-            static_cast<std::int32_t>(engine_.joinTotalMs + engine_.endTimes[i] * 1000.0);
+        job.add(input, output, 0.0, seconds / 1000.0F);
     }
-    engine_.currentPercent = 0;
-    engine_.joinMode = 1;
+    load(engine_, job);
 }
 
 JobResult JobTest::run() {

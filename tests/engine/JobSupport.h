@@ -2,6 +2,7 @@
 
 #include "ConversionEngine.h"
 #include "FaultyMedia.h"
+#include "Job.h"
 #include "TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -35,11 +36,12 @@ protected:
     /// Fill the table as the program does before a run.
     void fillCut(const std::string& input, float startMs, float endMs, const std::string& output);
     void fillJoin(const std::vector<std::string>& inputs, const std::string& output);
-    /// Only the paths, the counts and the counters.
+    /// Cuts without any length.
     void fillPaths(const std::vector<std::string>& inputs, const std::string& output);
     /// Carries out what is in the table.
     JobResult run();
     JobResult result() const;
+    Job newJob() const;
 
     JobResult cut(const std::string& input, float startMs, float endMs, const std::string& output);
     JobResult join(const std::vector<std::string>& inputs, const std::string& output);

@@ -53,25 +53,13 @@ void Reencode::choose(AVCodecID video, AVCodecID audio) {
 
 JobResult Reencode::cut(const std::string& input, float startMs, float endMs,
                         const std::string& output) {
-    return runReencoding([&] { fillCut(input, startMs, endMs, output); });
+    fillCut(input, startMs, endMs, output);
+    engine_.reencode = 1;
+    return run();
 }
 
 JobResult Reencode::join(const std::vector<std::string>& inputs, const std::string& output) {
-    return runReencoding([&] { fillJoin(inputs, output); });
-}
-
-/// Filling the table may probe, which puts the source's values into the settings.
-JobResult Reencode::runReencoding(const std::function<void()>& fill) {
-    const std::array settings = {engine_.videoCodecId,  engine_.audioCodecId,
-                                 engine_.videoBitRate,  engine_.audioBitRate,
-                                 engine_.audioChannels, engine_.audioSampleRate};
-    fill();
-    engine_.videoCodecId = settings[0];
-    engine_.audioCodecId = settings[1];
-    engine_.videoBitRate = settings[2];
-    engine_.audioBitRate = settings[3];
-    engine_.audioChannels = settings[4];
-    engine_.audioSampleRate = settings[5];
+    fillJoin(inputs, output);
     engine_.reencode = 1;
     return run();
 }

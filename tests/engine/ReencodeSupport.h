@@ -6,7 +6,6 @@ extern "C" {
 #include <libavcodec/codec_id.h>
 }
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,9 +23,6 @@ protected:
 
     JobResult cut(const std::string& input, float startMs, float endMs, const std::string& output);
     JobResult join(const std::vector<std::string>& inputs, const std::string& output);
-
-private:
-    JobResult runReencoding(const std::function<void()>& fill);
 };
 
 /// A second of small pictures, 25 of them, and sound. Shared by all tests: never write to it.

@@ -2,6 +2,7 @@
 
 #include "ConversionEngine.h"
 #include "EngineLog.h"
+#include "Job.h"
 
 extern "C" {
 #include <libavcodec/codec_id.h>
@@ -40,28 +41,10 @@ const OutputFolder& outputFolder() {
     return folder;
 }
 
-void fill(ConversionEngine& engine, const std::vector<std::string>& inputs,
-          const std::string& output) {
-    const auto count = static_cast<int>(inputs.size());
-    engine.inputCount = count;
-    engine.jobCount = count;
-    engine.inputPaths = inputs;
-    engine.outputPaths.assign(inputs.size(), output);
-    engine.currentIndex = -1;
-    engine.stopRequested = 0;
-}
-
-void chooseEncoders(ConversionEngine& engine) {
-    engine.reencode = 1;
-    engine.videoCodecId = AV_CODEC_ID_MPEG4;
-    engine.audioCodecId = AV_CODEC_ID_AAC;
-    engine.videoBitRate = 200'000;
-    engine.audioBitRate = 128'000;
-    engine.videoWidth = 64;
-    engine.videoHeight = 48;
-    engine.videoFrameRate = 0.0;
-    engine.audioSampleRate = 44'100;
-    engine.audioChannels = 2;
+void chooseEncoders(Job& job) {
+    job.reencodes = true;
+    job.video = {.codec = AV_CODEC_ID_MPEG4, .bitRate = 200'000, .width = 64, .height = 48};
+    job.audio = {.codec = AV_CODEC_ID_AAC, .bitRate = 128'000, .sampleRate = 44'100, .channels = 2};
 }
 
 /// A finished run leaves every input done or failed, or pending where the run itself has ended.
@@ -82,9 +65,6 @@ ConversionEngine& cleanEngine() {
     setLogSink([](const char*) {});
     ConversionEngine& engine = ConversionEngine::instance();
     engine.reset();
-    engine.reencode = 0;
-    engine.joinMode = 0;
-    engine.joinTotalMs = 0;
     return engine;
 }
 
@@ -104,22 +84,22 @@ void probeAndPreview(const std::string& path) {
 
 void cutAndJoin(const std::string& path, const std::string& extension, bool reencode) {
     ConversionEngine& engine = cleanEngine();
+    Job cut;
+    Job join;
+    join.joins = true;
     if (reencode) {
-        chooseEncoders(engine);
+        chooseEncoders(cut);
+        chooseEncoders(join);
     }
-    fill(engine, {path}, outputFolder() / ("cut." + extension));
-    engine.startTimes[0] = 0.1;
-    engine.spans[0] = 1.0;
-    engine.run();
-    requireStates(engine);
-
-    fill(engine, {path, path}, outputFolder() / ("join." + extension));
-    engine.startTimes[0] = 0.0;
-    engine.startTimes[1] = 0.0;
-    engine.joinMode = 1;
-    engine.joinTotalMs = 2;
-    engine.run();
-    requireStates(engine);
+    cut.add(path, outputFolder() / ("cut." + extension), 0.1, 1.1);
+    for (int i = 0; i < 2; ++i) {
+        join.add(path, outputFolder() / ("join." + extension), 0.0, 0.001);
+    }
+    for (const Job& job : {cut, join}) {
+        load(engine, job);
+        engine.run(job);
+        requireStates(engine);
+    }
 }
 
 } // namespace velmora::fuzz

@@ -1,5 +1,6 @@
 #include "ReencodeSettings.h"
 
+#include "EncoderNames.h"
 #include "ParseNumber.h"
 
 #include <array>
@@ -7,25 +8,11 @@
 
 namespace {
 
-constexpr int kBitsPerKilobit = 1000;
-
-using NamedCodec = std::pair<std::string_view, int>;
-
-constexpr std::array kVideoCodecs = {
-    NamedCodec{"MPEG4", AV_CODEC_ID_MPEG4}, NamedCodec{"H264", AV_CODEC_ID_H264},
-    NamedCodec{"WMV2", AV_CODEC_ID_WMV2}, NamedCodec{"FLV", AV_CODEC_ID_FLV1}};
-constexpr std::array kAudioCodecs = {
-    NamedCodec{"MP3", AV_CODEC_ID_MP3}, NamedCodec{"WMA8", AV_CODEC_ID_WMAV2},
-    NamedCodec{"AAC", AV_CODEC_ID_AAC}, NamedCodec{"VORBIS", AV_CODEC_ID_VORBIS}};
-
-template <typename Codecs> bool find(const Codecs& codecs, std::string_view name, int& id) {
-    for (const auto& [codecName, codecId] : codecs) {
-        if (codecName == name) {
-            id = codecId;
-            return true;
-        }
-    }
-    return false;
+template <typename Encoders>
+bool find(const Encoders& encoders, std::string_view name, AVCodecID& codec) {
+    const auto found = velmora::codecNamed(encoders, name);
+    codec = found.value_or(codec);
+    return found.has_value();
 }
 
 template <typename Number> bool read(std::string_view text, Number& number) {
@@ -44,10 +31,10 @@ bool ReencodeSettings::set(std::string_view setting) {
     const std::string_view key = setting.substr(0, equals);
     const std::string_view value = setting.substr(equals + 1);
     if (key == "vcodec") {
-        return find(kVideoCodecs, value, videoCodec_);
+        return find(velmora::kVideoEncoders, value, videoCodec_);
     }
     if (key == "acodec") {
-        return find(kAudioCodecs, value, audioCodec_);
+        return find(velmora::kAudioEncoders, value, audioCodec_);
     }
     if (key == "size") {
         return setSize(value);
@@ -75,15 +62,16 @@ bool ReencodeSettings::setSize(std::string_view value) {
            read(value.substr(cross + 1), height_);
 }
 
-void ReencodeSettings::store(velmora::ConversionEngine& engine) const {
-    engine.videoCodecId = videoCodec_;
-    engine.videoCodecChosen = 1;
-    engine.videoBitRate = videoKilobits_ * kBitsPerKilobit;
-    engine.videoWidth = width_;
-    engine.videoHeight = height_;
-    engine.videoFrameRate = frameRate_;
-    engine.audioCodecId = audioCodec_;
-    engine.audioBitRate = audioKilobits_ * kBitsPerKilobit;
-    engine.audioSampleRate = sampleRate_;
-    engine.audioChannels = channels_;
+void ReencodeSettings::store(velmora::Job& job) const {
+    job.reencodes = true;
+    job.videoCodecChosen = true;
+    job.video = {.codec = videoCodec_,
+                 .bitRate = velmora::bitsPerSecond(videoKilobits_),
+                 .width = width_,
+                 .height = height_,
+                 .frameRate = frameRate_};
+    job.audio = {.codec = audioCodec_,
+                 .bitRate = velmora::bitsPerSecond(audioKilobits_),
+                 .sampleRate = sampleRate_,
+                 .channels = channels_};
 }

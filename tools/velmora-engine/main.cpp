@@ -2,6 +2,7 @@
 // program's driver does and prints one JSON object.
 
 #include "ConversionEngine.h"
+#include "Job.h"
 #include "ParseNumber.h"
 #include "ReencodeSettings.h"
 
@@ -24,16 +25,17 @@ extern "C" {
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace {
 
 using nlohmann::json;
 using velmora::ConversionEngine;
+using velmora::Job;
 
 constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kUsage = 2;
-constexpr int kPathBytes = 256;
 constexpr auto kProgressInterval = std::chrono::milliseconds(10);
 
 using Arguments = std::span<char*>;
@@ -135,21 +137,18 @@ void reportProgress(const ConversionEngine& engine, const std::stop_token& ended
     }
 }
 
-/// Runs the job in the table and prints how it ended.
-int runJob(ConversionEngine& engine, bool joins, const std::optional<ReencodeSettings>& settings) {
+/// Runs the job and prints how it ended.
+int runJob(Job job, const std::optional<ReencodeSettings>& settings) {
     if (settings) {
-        settings->store(engine); // after the probes, which put the sources' values there
+        settings->store(job);
     }
-    engine.reencode = settings ? 1 : 0;
-    engine.currentIndex = -1;
-    engine.stopRequested = 0;
-    engine.currentPercent = 0;
-    engine.joinMode = joins ? 1 : 0;
+    ConversionEngine& engine = ConversionEngine::instance();
+    load(engine, job);
     std::signal(SIGINT, requestStop);
     {
         const std::jthread progress(
             [&engine](const std::stop_token& ended) { reportProgress(engine, ended); });
-        engine.run();
+        engine.run(job);
     }
     json states = json::array();
     bool allDone = true;
@@ -162,21 +161,6 @@ int runJob(ConversionEngine& engine, bool joins, const std::optional<ReencodeSet
            {"currentIndex", engine.currentIndex.load()},
            {"currentPercent", engine.currentPercent.load()}});
     return allDone ? kSuccess : kFailure;
-}
-
-void allocateTable(ConversionEngine& engine, Arguments inputs, const char* output) {
-    const int count = static_cast<int>(inputs.size());
-    engine.jobCount = count;
-    engine.inputCount = count;
-    engine.inputPaths = ConversionEngine::allocStringTable(count, kPathBytes);
-    engine.outputPaths = ConversionEngine::allocStringTable(count, kPathBytes);
-    engine.currentPercent = -1;
-    engine.joinTotalMs = 0;
-    engine.videoCodecChosen = 0;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        engine.inputPaths[i] = inputs[i];
-        engine.outputPaths[i] = output;
-    }
 }
 
 /// What a job's arguments say: files and times, and how to re-encode, if at all.
@@ -211,20 +195,19 @@ int cut(Arguments arguments) {
     if (!start || !end) {
         return usage();
     }
-    ConversionEngine& engine = ConversionEngine::instance();
-    allocateTable(engine, job->plain.first(1), job->plain[3]);
-    engine.startTimes[0] = *start;
-    engine.endTimes[0] = *end;
-    engine.spans[0] = *end - *start;
-    return runJob(engine, false, job->settings);
+    Job cut;
+    cut.add(job->plain[0], job->plain[3], *start, *end);
+    return runJob(std::move(cut), job->settings);
 }
 
 /// The length of a file in seconds, as the joiner's list holds it; 0 when it cannot be told.
-float lengthOf(ConversionEngine& engine, const char* path) {
-    constexpr double microseconds = 1e6;
+float lengthOf(const char* path) {
+    constexpr double kMicroseconds = 1e6;
+    ConversionEngine& engine = ConversionEngine::instance();
     engine.probePath = path;
     const bool known = engine.probe() == 0 && engine.durationSeconds >= 0;
-    return known ? static_cast<float>(static_cast<double>(engine.durationUs) / microseconds) : 0.0F;
+    return known ? static_cast<float>(static_cast<double>(engine.durationUs) / kMicroseconds)
+                 : 0.0F;
 }
 
 int join(Arguments arguments) {
@@ -232,17 +215,14 @@ int join(Arguments arguments) {
     if (!job || job->plain.size() < 2 || job->plain.size() > ConversionEngine::kMaxInputs + 1) {
         return usage();
     }
-    const Arguments inputs = job->plain.subspan(1);
-    ConversionEngine& engine = ConversionEngine::instance();
-    allocateTable(engine, inputs, job->plain[0]);
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        constexpr float unit = 1000.0F; // the list of a join counts seconds where a cut's counts ms
-        engine.startTimes[i] = 0.0;
-        engine.endTimes[i] = lengthOf(engine, inputs[i]) / unit;
-        engine.joinTotalMs =
-            static_cast<std::int32_t>(engine.joinTotalMs + engine.endTimes[i] * unit);
+    Job join;
+    join.joins = true;
+    for (const char* const input : job->plain.subspan(1)) {
+        // The list of a join counts seconds where a cut's counts milliseconds.
+        constexpr float kUnit = 1000.0F;
+        join.add(input, job->plain[0], 0.0, lengthOf(input) / kUnit);
     }
-    return runJob(engine, true, job->settings);
+    return runJob(std::move(join), job->settings);
 }
 
 int command(Arguments arguments) {

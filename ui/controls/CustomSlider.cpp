@@ -3,6 +3,7 @@
 #include "CustomSliderAccessible.h"
 #include "NotificationCenter.h"
 #include "PlatformLog.h"
+#include "Saturated.h"
 
 #include <QAccessible>
 #include <QKeyEvent>
@@ -10,7 +11,6 @@
 #include <QPaintEvent>
 
 #include <algorithm>
-#include <limits>
 
 namespace velmora {
 
@@ -52,9 +52,7 @@ void CustomSlider::setDoubleValue(double value) {
 }
 
 std::int64_t CustomSlider::getCurrenPosInt() const {
-    using Limits = std::numeric_limits<std::int32_t>;
-    return static_cast<std::int32_t>(
-        std::clamp(value_, double{Limits::min()}, double{Limits::max()}));
+    return truncated(value_);
 }
 
 void CustomSlider::setCustomSliderEnable(bool enable) {
