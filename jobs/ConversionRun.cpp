@@ -4,47 +4,61 @@
 #include "Job.h"
 #include "PlatformLog.h"
 
+#include <cassert>
 #include <exception>
 
 namespace velmora {
-
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): there is one engine
-ConversionRun* ConversionRun::latest_ = nullptr;
 
 ConversionRun::ConversionRun(const ConverterInfo& job)
     : items_(sharedFileList ? *sharedFileList : FileList()), request_(RunRequest::of(job)) {}
 
 ConversionRun::~ConversionRun() {
-    if (worker_.joinable())
+    if (worker_.joinable()) {
         worker_.join();
-    if (latest_ == this)
-        latest_ = nullptr;
-}
-
-const ConversionRun* ConversionRun::inProgress() {
-    return latest_ != nullptr && !latest_->isSettled() ? latest_ : nullptr;
+    }
 }
 
 void ConversionRun::start() {
-    latest_ = this;
+    assert(state_ == State::Waiting);
+    state_ = State::Running;
+    sinceStart_.start();
     // Before there is a thread: whatever is probed from now on writes to the same tables.
     ConverterThread::fill(request_);
-    ConversionEngine& engine = ConversionEngine::instance();
     try {
-        worker_ = std::thread([this, &engine, job = Job(engine)] {
-            engine.run(job);
-            ended_ = true;
-        });
+        worker_ = std::thread([this, job = Job(ConversionEngine::instance())] { work(job); });
     } catch (const std::exception& failure) {
         platformLog(QString("the run cannot be started: %1").arg(failure.what()));
-        latest_ = nullptr; // the engine is free; the states in it are of the run before
-        ended_ = true;
+        state_ = State::NotStarted;
+    }
+}
+
+void ConversionRun::work(const Job& job) {
+    ConversionEngine::instance().run(job);
+    State atWork = State::Running;
+    if (!state_.compare_exchange_strong(atWork, State::Ended)) {
+        assert(atWork == State::Stopping);
+        state_ = State::Settled;
     }
 }
 
 void ConversionRun::cancel() {
-    cancelled_ = true;
+    assert(state_ != State::Waiting);
+    State before = State::Running;
+    // A worker that is stopping settles by itself; only one that is at work writes the state.
+    if (!state_.compare_exchange_strong(before, State::Stopping) && before != State::Stopping) {
+        state_ = State::Settled;
+    }
     ConversionEngine::instance().stopRequested = 1;
+}
+
+bool ConversionRun::isAtWork() const {
+    const State now = state_;
+    return now == State::Running || now == State::Stopping;
+}
+
+bool ConversionRun::hasOutcome() const {
+    const State now = state_;
+    return now == State::Ended || now == State::NotStarted;
 }
 
 } // namespace velmora

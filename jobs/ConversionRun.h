@@ -3,15 +3,32 @@
 #include "ConverterThread.h"
 #include "SharedState.h"
 
+#include <QElapsedTimer>
+
 #include <atomic>
+#include <cstdint>
 #include <thread>
 
 namespace velmora {
 
+struct Job;
+
 /// One run with its worker thread, from the request until its outcome has been taken. The engine
-/// carries out one at a time. Main thread.
+/// carries out one at a time; RunQueue sees to that. Main thread.
 class ConversionRun {
 public:
+    /// How far it is. A run waits, then runs, then has ended; a cancel makes a running one stop and
+    /// then settle, and settles one that has ended. One that cannot be started goes from waiting to
+    /// not started, which a cancel settles as well.
+    enum class State : std::uint8_t {
+        Waiting,    ///< it has not touched the engine
+        Running,    ///< the worker is at it
+        Stopping,   ///< cancelled, and the worker is still at it
+        Ended,      ///< the worker is done; the outcome is to be told
+        NotStarted, ///< it has no worker; the engine's states are those of the run before
+        Settled,    ///< cancelled, and the worker is done: nothing more is to come of it
+    };
+
     /// Takes what the run needs from the shared list and the current setting.
     explicit ConversionRun(const ConverterInfo& job);
     /// Waits for the worker; the engine is free then.
@@ -19,32 +36,31 @@ public:
     ConversionRun(const ConversionRun&) = delete;
     ConversionRun& operator=(const ConversionRun&) = delete;
 
-    /// The run that the engine is busy with; null when it is free.
-    static const ConversionRun* inProgress();
-
     /// Fills the engine's tables and starts the worker. The engine must be free.
     void start();
-    /// Asks the worker to stop as soon as it can.
+    /// Asks the worker to stop as soon as it can; the outcome of a run that has ended is not told.
+    /// Not for one that waits.
     void cancel();
 
+    /// Counters that are read after it has said that the worker is done are final.
+    State state() const { return state_; }
+    /// Whether the worker may still change the engine's fields.
+    bool isAtWork() const;
+    /// Whether it is over and somebody is still to be told how it went.
+    bool hasOutcome() const;
     /// The items that the results are for.
     const FileList& items() const { return items_; }
     bool joins() const { return request_.job.isCutter == 0; }
-    /// Whether the engine's counters are those of this run: no other has been started since.
-    bool isLatest() const { return latest_ == this; }
-    /// Whether the worker is done. Counters read afterwards are final.
-    bool hasEnded() const { return ended_; }
-    /// Whether nothing more is to come of it: it has been cancelled and the worker is done.
-    bool isSettled() const { return cancelled_ && ended_; }
+    /// Since it was started.
+    std::int64_t passedMs() const { return sinceStart_.elapsed(); }
 
 private:
-    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): there is one engine
-    static ConversionRun* latest_;
+    void work(const Job& job);
 
     FileList items_;
     RunRequest request_;
-    bool cancelled_ = false;
-    std::atomic<bool> ended_{false}; ///< set by the worker when it touches nothing any more
+    QElapsedTimer sinceStart_;
+    std::atomic<State> state_{State::Waiting}; ///< by the worker when it touches nothing any more
     std::thread worker_;
 };
 

@@ -3,9 +3,9 @@
 #include "AlertPanel.h"
 #include "CommonAction.h"
 #include "ConversionEngine.h"
-#include "ConversionRun.h"
 #include "ModalSession.h"
 #include "ProgressWindow.h"
+#include "RunQueue.h"
 #include "ui_ConverterFrom.h"
 
 #include <QFileInfo>
@@ -19,23 +19,17 @@ namespace {
 constexpr std::chrono::milliseconds kRefreshInterval(500);
 // Before that, what is left is anybody's guess.
 constexpr int kLeastPercentToForesee = 3;
-constexpr qint64 kLeastMsToForesee = 3000;
+constexpr std::int64_t kLeastMsToForesee = 3000;
 
 ConversionEngine& engine() {
     return ConversionEngine::instance();
 }
 
-/// The state of an input as an item has it: pending is -1.
-std::int32_t stateOf(std::int32_t index) {
-    return static_cast<std::int8_t>(engine().fileStates[static_cast<std::size_t>(index)].load());
+RunQueue& queue() {
+    return RunQueue::instance();
 }
 
-/// The inputs of which the engine has states.
-std::int32_t inTable(std::int32_t count) {
-    return std::min(count, static_cast<std::int32_t>(ConversionEngine::kMaxInputs));
-}
-
-QString clockText(qint64 ms) {
+QString clockText(std::int64_t ms) {
     return CommonAction::timeFormatBySecond(static_cast<std::int32_t>(ms / 1000));
 }
 
@@ -49,14 +43,13 @@ ConverterController::ConverterController(QWidget* owner)
 }
 
 ConverterController::~ConverterController() {
-    waiting_.clear();
-    if (run_ && !run_->hasEnded())
-        run_->cancel();
+    queue().removeAll(this);
 }
 
 void ConverterController::loadWindow() {
-    if (winConverterController_)
+    if (winConverterController_) {
         return;
+    }
     winConverterController_ = std::make_unique<ProgressWindow>(owner_);
     winConverterController_->windowShouldClose = [this] { return windowShouldClose(); };
     const Ui::ConverterFrom& outlets = winConverterController_->outlets();
@@ -68,8 +61,8 @@ void ConverterController::loadWindow() {
 void ConverterController::showConverterFrom(const ConverterInfo& job) {
     loadWindow();
     iConverted_ = 0;
-    waiting_.push_back(std::make_unique<ConversionRun>(job));
-    startNext();
+    queue().add(this, job);
+    queue().startNext(this);
     totleProgress_->setValue(0);
     singleProgress_->setValue(0);
     showStart();
@@ -77,53 +70,51 @@ void ConverterController::showConverterFrom(const ConverterInfo& job) {
     runModalForWindow(*winConverterController_);
 }
 
-/// Starts the run that has waited longest, if the engine is free.
-void ConverterController::startNext() {
-    if (waiting_.empty() || ConversionRun::inProgress() != nullptr)
-        return;
-    run_ = std::move(waiting_.front());
-    waiting_.pop_front();
-    sinceStart_.start();
-    run_->start();
-}
-
 void ConverterController::refreshProgree() {
     loadWindow();
-    if (!waiting_.empty())
+    if (queue().hasWaiting(this)) {
         awaitTurn();
-    else
+    } else {
         takeTurn();
+    }
 }
 
 /// The window stands for a run that has not started: of the one before, only the outcome matters.
 void ConverterController::awaitTurn() {
-    const bool endsNow = run_ && !run_->isSettled() && run_->hasEnded();
-    auto outcome = Outcome::Failed;
+    const ConversionRun* const before = queue().current(this);
+    const bool endsNow = before != nullptr && before->hasOutcome();
+    auto outcome = RunOutcome::Failed;
     if (endsNow) {
-        outcome = takeOutcome();
-        run_.reset();
+        outcome = takeOutcomeOf(before);
+        queue().removeCurrent(this);
     }
-    startNext();
-    if (waiting_.empty())
+    queue().startNext(this);
+    if (!queue().hasWaiting(this)) {
         showStart();
-    if (endsNow)
+    }
+    if (endsNow) {
         tell(outcome);
+    }
 }
 
 void ConverterController::takeTurn() {
+    const ConversionRun* const run = queue().current(this);
     // Read before the counters, which are final once it is true.
-    const bool ended = run_ && run_->hasEnded();
-    if (run_ && run_->isSettled()) { // cancelled, and another one may be using the counters
+    const bool ended = run != nullptr && run->hasOutcome();
+    if (run != nullptr && run->state() == ConversionRun::State::Settled) {
         refreshTimer_->stop();
-        copyStates(engine().currentIndex);
-        run_.reset();
+        copyStatesSoFar();
+        queue().removeCurrent(this);
         return;
     }
-    if (!countersAreOurs()) {
-        if (ended)
-            endWith(Outcome::Failed);
-        return;
+    if (countersAreOf(run)) {
+        showRun(ended);
+    } else if (ended) {
+        endWith(RunOutcome::Failed);
     }
+}
+
+void ConverterController::showRun(bool ended) {
     showItem();
     showTotal();
     showTime();
@@ -137,29 +128,31 @@ void ConverterController::takeTurn() {
         totleProgress_->setValue(100);
         singleProgress_->setValue(100);
     }
-    if (overAll || ended) // it may end without going over all inputs
-        endWith(takeOutcome());
-    else
-        takeResults();
+    if (overAll || ended) { // it may end without going over all inputs
+        endWith(takeOutcome(items()));
+    } else {
+        copyResults(items());
+    }
 }
 
-/// Those of the run that is watched, else those on show.
+/// Those of the current run, else those on show.
 FileList ConverterController::items() const {
-    if (run_)
-        return run_->items();
+    if (const ConversionRun* const run = queue().current(this)) {
+        return run->items();
+    }
     return sharedFileList ? *sharedFileList : FileList();
 }
 
-/// Another run may have taken the counters over.
-bool ConverterController::countersAreOurs() const {
-    return !run_ || run_->isLatest();
+/// Another run may have taken the counters over. Without a run, they are looked at as they are.
+bool ConverterController::countersAreOf(const ConversionRun* run) {
+    return run == nullptr || queue().countersAreOf(*run);
 }
 
 void ConverterController::showStart() {
     const Ui::ConverterFrom& outlets = winConverterController_->outlets();
-    ProgressWindow::show(*outlets.singleTxt, waiting_.empty()
-                                                 ? QString("Starting…")
-                                                 : QString("Waiting for the previous conversion…"));
+    const bool waits = queue().hasWaiting(this);
+    ProgressWindow::show(*outlets.singleTxt, waits ? QString("Waiting for the previous conversion…")
+                                                   : QString("Starting…"));
     ProgressWindow::show(*outlets.totleTxt, " ");
     ProgressWindow::show(*outlets.timeTxt, " ");
 }
@@ -167,13 +160,15 @@ void ConverterController::showStart() {
 void ConverterController::showItem() {
     const std::int32_t percent = engine().currentPercent;
     const std::int32_t index = engine().currentIndex;
-    if (percent < 0 || index >= engine().jobCount)
+    if (percent < 0 || index >= engine().jobCount) {
         return;
-    if (const auto item = CommonAction::entryAt(items(), index))
+    }
+    if (const auto item = CommonAction::entryAt(items(), index)) {
         ProgressWindow::show(
             *winConverterController_->outlets().singleTxt,
             QString("Current File Converting: %1 %2% has completed")
                 .arg(QFileInfo(item->inputFile).fileName(), QString::number(percent)));
+    }
 }
 
 void ConverterController::showTotal() {
@@ -182,94 +177,80 @@ void ConverterController::showTotal() {
     ProgressWindow::show(*winConverterController_->outlets().totleTxt,
                          QString("Total Progress: %1 Task Completed / Total %2 Task(s)")
                              .arg(QString::number(index), QString::number(count)));
-    if (count > 0)
+    if (count > 0) {
         totleProgress_->setValue(std::clamp(index * 100 / count, 0, 100));
+    }
     const std::int32_t percent = engine().currentPercent;
-    if (percent >= 0 && percent <= 100)
+    if (percent >= 0 && percent <= 100) {
         singleProgress_->setValue(percent);
+    }
 }
 
 void ConverterController::showTime() {
-    if (!run_)
+    const ConversionRun* const run = queue().current(this);
+    if (run == nullptr) {
         return;
-    const qint64 passedMs = sinceStart_.elapsed();
+    }
+    const std::int64_t passedMs = run->passedMs();
     const std::int32_t percent = engine().currentPercent; // of all inputs in a join
-    const bool foreseeable = (run_->joins() || engine().jobCount == 1) &&
+    const bool foreseeable = (run->joins() || engine().jobCount == 1) &&
                              percent >= kLeastPercentToForesee && passedMs >= kLeastMsToForesee;
     QString text = clockText(passedMs) + " passed";
-    if (foreseeable)
+    if (foreseeable) {
         text += ", about " + clockText(passedMs * (100 - percent) / percent) + " left";
+    }
     ProgressWindow::show(*winConverterController_->outlets().timeTxt, text);
 }
 
-void ConverterController::takeResults() {
-    const FileList all = items();
-    for (std::int32_t i = 0; i < inTable(engine().currentIndex); ++i) {
-        if (const auto item = CommonAction::entryAt(all, i)) {
-            item->converteState = stateOf(i);
-            item->isSeleted = 0;
-        }
+void ConverterController::copyStatesSoFar() {
+    if (countersAreOf(queue().current(this))) {
+        copyStates(items(), engine().currentIndex);
     }
 }
 
-void ConverterController::copyStates(std::int32_t count) {
-    if (!countersAreOurs())
-        return;
-    const FileList all = items();
-    for (std::int32_t i = 0; i < inTable(count); ++i) {
-        if (const auto item = CommonAction::entryAt(all, i))
-            item->converteState = stateOf(i);
-    }
+RunOutcome ConverterController::takeOutcomeOf(const ConversionRun* run) {
+    return countersAreOf(run) ? takeOutcome(run->items()) : RunOutcome::Failed;
 }
 
-/// Takes the results of a run that has ended. How it went is told by its first item only.
-ConverterController::Outcome ConverterController::takeOutcome() {
-    if (!countersAreOurs())
-        return Outcome::Failed;
-    takeResults();
-    copyStates(engine().jobCount); // of inputs that were not reached, too
-    return isOverAllInputs() && stateOf(0) == ConversionEngine::Done ? Outcome::Completed
-                                                                     : Outcome::Failed;
-}
-
-bool ConverterController::isOverAllInputs() {
-    return engine().currentIndex > 0 && engine().currentIndex == engine().jobCount;
-}
-
-void ConverterController::endWith(Outcome outcome) {
+void ConverterController::endWith(RunOutcome outcome) {
     refreshTimer_->stop();
     performClose();
     stopOwnSession();
-    run_.reset();
+    queue().removeCurrent(this);
     tell(outcome);
     // The counters do not say again that the run has ended. While the message was on screen, a run
     // that had waited may have begun; then they are its own.
-    if (ConversionRun::inProgress() == nullptr)
+    if (!queue().isBusy()) {
         engine().jobCount += 1;
+    }
 }
 
-void ConverterController::tell(Outcome outcome) {
+void ConverterController::tell(RunOutcome outcome) {
     runAlertPanel("",
-                  outcome == Outcome::Completed ? "Congratulations! file has completed!"
-                                                : "File failed! please use re-encoding mode",
+                  outcome == RunOutcome::Completed ? "Congratulations! file has completed!"
+                                                   : "File failed! please use re-encoding mode",
                   "OK", "");
 }
 
 bool ConverterController::windowShouldClose() {
-    if (waiting_.empty())
-        copyStates(engine().currentIndex);
+    if (!queue().hasWaiting(this)) {
+        copyStatesSoFar();
+    }
     stopOwnSession();
     return true;
 }
 
 void ConverterController::closeFrom() {
     loadWindow();
-    if (!waiting_.empty()) {
-        waiting_.pop_back(); // the run before is not asked to stop
-        if (!run_ || run_->isSettled())
+    const ConversionRun* const run = queue().current(this);
+    const bool goesOn = run != nullptr && run->state() != ConversionRun::State::Settled;
+    if (queue().hasWaiting(this)) {
+        queue().cancelWaiting(this); // the run before is not asked to stop
+        if (!goesOn && !queue().hasWaiting(this)) {
             refreshTimer_->stop();
-    } else if (run_ && !run_->isSettled()) {
-        run_->cancel();
+        }
+    } else if (goesOn) {
+        queue().cancelCurrent(this);
     } else {
         engine().stopRequested = 1;
     }
@@ -279,16 +260,18 @@ void ConverterController::closeFrom() {
 
 /// Closes the window as its close box does.
 void ConverterController::performClose() {
-    if (winConverterController_->isVisible())
+    if (winConverterController_->isVisible()) {
         winConverterController_->close();
-    else
+    } else {
         windowShouldClose();
+    }
 }
 
 /// Another window's session may be the innermost one when a run ends behind a closed window.
 void ConverterController::stopOwnSession() {
-    if (modalWindow() == winConverterController_.get())
+    if (modalWindow() == winConverterController_.get()) {
         stopModal();
+    }
 }
 
 } // namespace velmora

@@ -1,15 +1,14 @@
 #pragma once
 
 #include "ConverterInfo.h"
+#include "RunResults.h"
 #include "SharedState.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
 #include <cstdint>
-#include <deque>
 #include <memory>
 
 class QProgressBar;
@@ -20,8 +19,8 @@ namespace velmora {
 class ConversionRun;
 class ProgressWindow;
 
-/// Starts runs and owns the window that shows how far they are. Twice a second it looks at the
-/// engine's counters, puts results into the items and, once for each run, tells the outcome.
+/// Asks for runs and owns the window that shows how far they are. Twice a second it looks at the
+/// engine's counters, has results put into the items and, once for each run, tells the outcome.
 ///
 /// A run goes on when its window is closed by the close box. Then the next one waits for it, behind
 /// its own window, also when another controller has started it. Main thread.
@@ -52,37 +51,31 @@ public:
     void setTotleProgress(QProgressBar* bar) { totleProgress_ = bar; }
 
 private:
-    enum class Outcome { Completed, Failed };
-
     void loadWindow();
-    void startNext();
     void awaitTurn();
     void takeTurn();
 
-    FileList items() const;
-    bool countersAreOurs() const;
-    static bool isOverAllInputs();
     void showStart();
+    void showRun(bool ended);
     void showItem();
     void showTotal();
     void showTime();
-    void takeResults();
-    void copyStates(std::int32_t count);
-    Outcome takeOutcome();
-    void endWith(Outcome outcome);
-    static void tell(Outcome outcome);
+
+    FileList items() const;
+    static bool countersAreOf(const ConversionRun* run);
+    void copyStatesSoFar();
+    static RunOutcome takeOutcomeOf(const ConversionRun* run);
+    void endWith(RunOutcome outcome);
+    static void tell(RunOutcome outcome);
     void performClose();
     void stopOwnSession();
 
     QWidget* owner_;
     std::unique_ptr<ProgressWindow> winConverterController_;
-    QProgressBar* singleProgress_ = nullptr;             ///< 0 to 100; the window's
-    QProgressBar* totleProgress_ = nullptr;              ///< 0 to 100; the window's
-    QTimer* refreshTimer_;                               ///< a child of this
-    std::int32_t iConverted_ = 0;                        ///< not used
-    std::unique_ptr<ConversionRun> run_;                 ///< started here and not told yet
-    std::deque<std::unique_ptr<ConversionRun>> waiting_; ///< for the engine, oldest first
-    QElapsedTimer sinceStart_;
+    QProgressBar* singleProgress_ = nullptr; ///< 0 to 100; the window's
+    QProgressBar* totleProgress_ = nullptr;  ///< 0 to 100; the window's
+    QTimer* refreshTimer_;                   ///< a child of this
+    std::int32_t iConverted_ = 0;            ///< not used
 };
 
 } // namespace velmora

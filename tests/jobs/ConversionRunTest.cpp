@@ -42,13 +42,15 @@ private:
     QtMessageHandler before_;
 };
 
+using State = ConversionRun::State;
+
 class ConversionRunTest : public SharedStateTest {
 protected:
     ConverterInfo job(int isDirectly) const {
         return {.fullPath = output("out.mp4"), .isDirectly = isDirectly, .isCutter = 1};
     }
     static bool waitForEnd(const ConversionRun& run) {
-        return QTest::qWaitFor([&] { return run.hasEnded(); }, 60000);
+        return QTest::qWaitFor([&] { return !run.isAtWork(); }, 60000);
     }
 
     ConversionEngine& engine_ = ConversionEngine::instance();
@@ -115,7 +117,43 @@ TEST_F(ConversionRunTest, cancelRightAfterTheStart_isNeverLost) {
         EXPECT_EQ(engine_.stopRequested, 1);
         ASSERT_TRUE(waitForEnd(run));
         EXPECT_EQ(engine_.stopRequested, 1);
-        EXPECT_TRUE(run.isSettled());
+        EXPECT_EQ(run.state(), State::Settled);
+    }
+}
+
+TEST_F(ConversionRunTest, states_followEachOtherToTheOutcome) {
+    addItem(mediaPath("h264.mp4"), 1000, 2000);
+    ConversionRun run(job(1));
+    EXPECT_EQ(run.state(), State::Waiting);
+    EXPECT_FALSE(run.isAtWork());
+    EXPECT_FALSE(run.hasOutcome());
+    run.start();
+    ASSERT_TRUE(waitForEnd(run));
+    EXPECT_EQ(run.state(), State::Ended);
+    EXPECT_TRUE(run.hasOutcome());
+}
+
+TEST_F(ConversionRunTest, cancelOfOneThatHasEnded_settlesIt) {
+    addItem("/nowhere/in.mp4", 0, 1000);
+    ConversionRun run(job(1));
+    run.start();
+    ASSERT_TRUE(waitForEnd(run));
+    run.cancel();
+    EXPECT_EQ(run.state(), State::Settled);
+    EXPECT_FALSE(run.hasOutcome());
+    run.cancel();
+    EXPECT_EQ(run.state(), State::Settled);
+}
+
+TEST_F(ConversionRunTest, secondCancel_changesNothing) {
+    addItem(mediaPath("h264.mp4"), 0, 4000);
+    for (int i = 0; i < 50; ++i) {
+        ConversionRun run(job(1));
+        run.start();
+        run.cancel();
+        run.cancel();
+        ASSERT_TRUE(waitForEnd(run));
+        EXPECT_EQ(run.state(), State::Settled);
     }
 }
 

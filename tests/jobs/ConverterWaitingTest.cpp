@@ -184,5 +184,32 @@ TEST_F(ConverterWaitingTest, waitingRunClosedByItsBox_startsAllTheSame) {
     expectPictures("third.mp4", 120);
 }
 
+TEST_F(ConverterWaitingTest, cancelOfTheSecondThatWaits_leavesTheFirstToStart) {
+    addItem(mediaPath("h264.mp4"), 0, 4000);
+    leaveGoing(first_, slowJob("slow.mp4", 640, 360));
+    leaveGoing(second_, directJob("next.mp4"));
+    show(second_, directJob("third.mp4"), [&] { second_.closeFrom(); });
+    EXPECT_TRUE(isRefreshing(second_));
+    EXPECT_TRUE(waitForAlerts(2));
+    EXPECT_EQ(alerts_.messages, QStringList(2, kCompleted));
+    expectPictures("next.mp4", 120);
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "third.mp4"));
+    EXPECT_FALSE(isRefreshing(second_));
+}
+
+TEST_F(ConverterWaitingTest, cancelledBeforeARunOfAnother_takesNoneOfItsStates) {
+    addItem(mediaPath("h264.mp4"), 0, 4000);
+    const auto cancelled = sharedFileList->front();
+    show(first_, slowJob("slow.mp4", 640, 360), [&] { first_.closeFrom(); });
+    first_.findChild<QTimer*>("refreshTimer")->stop(); // its next tick comes after the other run
+    sharedFileList->clear();
+    addItem("/nowhere/in.mp4", 0, 1000);
+    show(second_, directJob("next.mp4"));
+    ASSERT_EQ(alerts_.messages, QStringList{kFailed});
+    cancelled->converteState = Ready;
+    first_.refreshProgree();
+    EXPECT_EQ(cancelled->converteState, Ready);
+}
+
 } // namespace
 } // namespace velmora::test
