@@ -5,9 +5,11 @@
 #include "PanelWindow.h"
 #include "PlatformLog.h"
 #include "PrimaryButton.h"
+#include "ProfileParameters.h"
 #include "SharedState.h"
 #include "ui_SettingFrom.h"
 
+#include <algorithm>
 #include <array>
 
 namespace velmora {
@@ -17,22 +19,21 @@ std::shared_ptr<ProfileInfo> editorProfileStore;
 
 namespace {
 
-/// A parameter of a profile, the box that offers its choices and the field for the chosen one.
+/// The box that offers the choices of a parameter, and the field for the chosen one.
 struct Pairing {
-    const char* parameter;
     QComboBox* Ui::SettingFrom::*box;
     QString NodeSetting::*field;
 };
 
 constexpr std::array kPairings = {
-    Pairing{"aEncoder", &Ui::SettingFrom::comAEncoder, &NodeSetting::aEncoder},
-    Pairing{"aSamplerate", &Ui::SettingFrom::comASamplerate, &NodeSetting::aSamplerate},
-    Pairing{"aBitRate", &Ui::SettingFrom::comABitrate, &NodeSetting::aBitrate},
-    Pairing{"channel", &Ui::SettingFrom::comAChannels, &NodeSetting::aChannels},
-    Pairing{"vEncoder", &Ui::SettingFrom::comVEncoder, &NodeSetting::vEncoder},
-    Pairing{"vResolution", &Ui::SettingFrom::comVResolution, &NodeSetting::vResolution},
-    Pairing{"vBitRate", &Ui::SettingFrom::comVBitrate, &NodeSetting::vBitrate},
-    Pairing{"vFrameRate", &Ui::SettingFrom::comVFrameRate, &NodeSetting::vFrameRate},
+    Pairing{&Ui::SettingFrom::comAEncoder, &NodeSetting::aEncoder},
+    Pairing{&Ui::SettingFrom::comASamplerate, &NodeSetting::aSamplerate},
+    Pairing{&Ui::SettingFrom::comABitrate, &NodeSetting::aBitrate},
+    Pairing{&Ui::SettingFrom::comAChannels, &NodeSetting::aChannels},
+    Pairing{&Ui::SettingFrom::comVEncoder, &NodeSetting::vEncoder},
+    Pairing{&Ui::SettingFrom::comVResolution, &NodeSetting::vResolution},
+    Pairing{&Ui::SettingFrom::comVBitrate, &NodeSetting::vBitrate},
+    Pairing{&Ui::SettingFrom::comVFrameRate, &NodeSetting::vFrameRate},
 };
 
 } // namespace
@@ -42,8 +43,9 @@ SettingControler::~SettingControler() = default;
 
 bool SettingControler::showSettingFrom(QWidget* parent) {
     platformLog("test show setting");
-    if (!winSettingController_)
+    if (!winSettingController_) {
         loadWindow(parent);
+    }
     confirmed_ = false;
     winSettingController_->show();
     initProfile();
@@ -52,8 +54,9 @@ bool SettingControler::showSettingFrom(QWidget* parent) {
 }
 
 void SettingControler::initProfile() {
-    for (const Pairing& pairing : kPairings)
+    for (const Pairing& pairing : kPairings) {
         (outlets_.get()->*pairing.box)->clear();
+    }
     outlets_->proName->setText(currentSetting->profileName);
     if (const Profile* const known = profile()) {
         for (const ProfileParameter& parameter : known->setInfo) {
@@ -63,8 +66,9 @@ void SettingControler::initProfile() {
             }
         }
     }
-    if (currentSetting->isDefautValue == 0)
+    if (currentSetting->isDefautValue == 0) {
         selectOwnValues();
+    }
 }
 
 void SettingControler::selectOwnValues() {
@@ -73,14 +77,16 @@ void SettingControler::selectOwnValues() {
         const int position = box.findText((*currentSetting).*pairing.field,
                                           Qt::MatchExactly | Qt::MatchCaseSensitive);
         // A value that the profile does not offer leaves its default selected.
-        if (position >= 0)
+        if (position >= 0) {
             box.setCurrentIndex(position);
+        }
     }
 }
 
 void SettingControler::okClick() {
-    for (const Pairing& pairing : kPairings)
+    for (const Pairing& pairing : kPairings) {
         (*currentSetting).*pairing.field = selectedItem(*(outlets_.get()->*pairing.box));
+    }
     confirmed_ = true;
     winSettingController_->close();
 }
@@ -92,11 +98,13 @@ void SettingControler::cancelClick() {
 void SettingControler::defaultClick() {
     const Profile* const known = profile();
     outlets_->proName->setText(currentSetting->profileName);
-    if (known == nullptr)
+    if (known == nullptr) {
         return;
+    }
     for (const ProfileParameter& parameter : known->setInfo) {
-        if (QComboBox* const box = boxOf(parameter.name))
+        if (QComboBox* const box = boxOf(parameter.name)) {
             box->setCurrentIndex(parameter.position());
+        }
     }
 }
 
@@ -125,11 +133,9 @@ const Profile* SettingControler::profile() {
 }
 
 QComboBox* SettingControler::boxOf(const QString& parameterName) const {
-    for (const Pairing& pairing : kPairings) {
-        if (parameterName == QLatin1String(pairing.parameter))
-            return outlets_.get()->*pairing.box;
-    }
-    return nullptr;
+    const auto field = fieldOfParameter(parameterName);
+    const auto* const found = std::ranges::find(kPairings, field, &Pairing::field);
+    return found != kPairings.end() ? outlets_.get()->*found->box : nullptr;
 }
 
 } // namespace velmora
