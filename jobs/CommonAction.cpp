@@ -1,5 +1,7 @@
 #include "CommonAction.h"
 
+#include "TimeText.h"
+
 #include <QFileInfo>
 
 #include <utility>
@@ -7,9 +9,7 @@
 namespace velmora {
 
 QString CommonAction::timeFormatBySecond(std::int32_t seconds) {
-    const std::int32_t hours = seconds / 3600;
-    const std::int32_t minutes = (seconds - hours * 3600) / 60;
-    return QString::asprintf("%02d:%02d:%02d", hours, minutes, seconds % 60);
+    return wholeSecondsText(seconds);
 }
 
 std::int32_t CommonAction::getSeleteCount() {
@@ -25,8 +25,9 @@ std::shared_ptr<NodeInfo> CommonAction::getSeleteObject(std::int32_t index) {
 }
 
 std::shared_ptr<NodeInfo> CommonAction::entryAt(const FileList& list, std::int32_t index) {
-    if (list.empty())
+    if (list.empty()) {
         return nullptr;
+    }
     const bool inside = index >= 0 && std::cmp_less(index, list.size());
     return inside ? list[static_cast<std::size_t>(index)] : list.back();
 }

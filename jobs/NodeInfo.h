@@ -9,6 +9,9 @@ namespace velmora {
 /// Results of an item's last run. Any other value stands for no result.
 enum ItemState : std::int32_t { Ready = 0, Completed = 1, Failure = 2 };
 
+/// What a table shows of an item's state; a null text where it stands for no result.
+QString stateText(std::int32_t state);
+
 /// One media item: a source file, what is known of it, the stretch to take and how the last run
 /// went. Main thread, but for a run, which reads it.
 struct NodeInfo {

@@ -36,19 +36,6 @@ constexpr const char* snapshotFile = "/tmp/pic.bmp";
 constexpr int stretchToFill = 1;
 constexpr int panelOk = 1;
 
-/// A time in milliseconds without its fraction; the nearest that fits.
-std::int64_t toMilliseconds(float seconds) {
-    const double milliseconds = seconds * 1000.0;
-    constexpr double most = 9.2e18;
-    return std::isnan(milliseconds)
-               ? 0
-               : static_cast<std::int64_t>(std::clamp(milliseconds, -most, most));
-}
-
-float toSeconds(std::int64_t milliseconds) {
-    return static_cast<float>(static_cast<double>(milliseconds) / 1000.0);
-}
-
 } // namespace
 
 QString MainController::getStringTime(float time) const {

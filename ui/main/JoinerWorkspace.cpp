@@ -14,16 +14,8 @@
 #include "joinerWinController.h"
 #include "ui_MainWindow.h"
 
-#include <array>
-
 namespace velmora {
 namespace {
-
-QString stateText(std::int32_t state) {
-    constexpr std::array texts{"Ready", "Completed", "Failure"};
-    const bool known = state >= Ready && state <= Failure;
-    return known ? texts.at(static_cast<std::size_t>(state)) : "";
-}
 
 QString cellText(const NodeInfo& item, const QString& column) {
     if (column == "fileSource" || column == "inputFile")

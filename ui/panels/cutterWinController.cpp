@@ -10,17 +10,13 @@
 #include "PathParts.h"
 #include "PlatformLog.h"
 #include "SharedState.h"
+#include "TimeText.h"
 #include "ui_OutputSettingsForm.h"
 #include "ui_cutterWinController.h"
 
 #include <QLineEdit>
 
-#include <algorithm>
-#include <charconv>
-#include <cstddef>
 #include <optional>
-#include <string_view>
-#include <system_error>
 
 namespace velmora {
 namespace {
@@ -28,43 +24,15 @@ namespace {
 constexpr auto kSourceFrameRate = "same as original file";
 constexpr std::int32_t kNoTime = -1;
 
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
-/// Takes the next field and its delimiter off `rest`. Nothing for what is no number up to `most`.
-std::optional<std::int32_t> takeField(std::string_view& rest, std::int32_t most) {
-    const std::string_view digits = rest.substr(0, rest.find_first_of(":."));
-    rest.remove_prefix(std::min(digits.size() + 1, rest.size()));
-    if (!std::ranges::all_of(digits, isDigit))
-        return std::nullopt;
-    std::int32_t value = 0;
-    const char* const end = digits.data() + digits.size();
-    if (std::from_chars(digits.data(), end, value).ec == std::errc::result_out_of_range)
-        return std::nullopt;
-    return value <= most ? std::optional(value) : std::nullopt;
-}
-
-std::optional<std::int32_t> millisecondsOf(std::string_view time) {
-    // Minutes and seconds may go up to 99 too.
-    const auto hours = takeField(time, 99);
-    const auto minutes = takeField(time, 99);
-    const auto seconds = takeField(time, 99);
-    const auto milliseconds = takeField(time, 999);
-    if (!hours || !minutes || !seconds || !milliseconds)
-        return std::nullopt;
-    return (*hours * 3600 + *minutes * 60 + *seconds) * 1000 + *milliseconds;
-}
-
 } // namespace
 
 cutterWinController::cutterWinController(QWidget* owner) : OutputSettingsPanel(owner) {}
 
 std::int32_t cutterWinController::parseSpecificStringToMs(const QString& time) {
-    const QByteArray bytes = time.toUtf8();
-    const auto parsed = millisecondsOf({bytes.constData(), static_cast<std::size_t>(bytes.size())});
-    if (!parsed)
+    const std::optional<std::int32_t> parsed = parsedMilliseconds(time);
+    if (!parsed) {
         platformLog("err out");
+    }
     return parsed.value_or(kNoTime);
 }
 
@@ -73,11 +41,12 @@ std::int32_t cutterWinController::setStartAndEnd(const QString& start, const QSt
     NodeSetting& setting = *currentSetting;
     setting.cutStartTime = static_cast<float>(parseSpecificStringToMs(start));
     setting.cutEndTime = static_cast<float>(parseSpecificStringToMs(end));
-    constexpr auto none = static_cast<float>(kNoTime);
-    if (setting.cutStartTime == none)
+    constexpr auto kNone = static_cast<float>(kNoTime);
+    if (setting.cutStartTime == kNone) {
         return kNoTime;
+    }
     const std::int32_t length = truncated(setting.cutEndTime - setting.cutStartTime);
-    return length < 0 || setting.cutEndTime == none ? kNoTime : length;
+    return length < 0 || setting.cutEndTime == kNone ? kNoTime : length;
 }
 
 void cutterWinController::setCutterOutputFilename(const QString& name, const QString& extension) {
@@ -92,13 +61,15 @@ void cutterWinController::mButStartCut() {
     platformLog(QString("Output path:%1 exist:%2")
                     .arg(mOutputFilename,
                          QString::number(CommonAction::fileExist(mOutputFilename) ? 1 : 0)));
-    if (folder().isEmpty())
+    if (folder().isEmpty()) {
         return showPlainAlert("Please click browse button to select output first!");
+    }
     createConverter();
     ConverterInfo job = newJob(true);
     takeOutput(job);
-    if (CommonAction::fileExist(mOutputFilename))
+    if (CommonAction::fileExist(mOutputFilename)) {
         return showPlainAlert("File already exists! please rename file name!");
+    }
     closePanel();
     for (const auto& item : *cutterFileList) {
         item->startTime = currentSetting->cutStartTime;
@@ -131,8 +102,9 @@ QString cutterWinController::chosenFrameRate() const {
 
 void cutterWinController::takeFrameRate(const QString& rate, const QString& shownBefore) {
     // The editor cannot show that the source's rate is kept; what it showed instead was no choice.
-    if (!keepsSourceFrameRate() || rate != shownBefore)
+    if (!keepsSourceFrameRate() || rate != shownBefore) {
         OutputSettingsPanel::takeFrameRate(rate, shownBefore);
+    }
 }
 
 } // namespace velmora

@@ -15,9 +15,7 @@ public:
     /// The window stays above `owner`, which outlives the panel; null: it belongs to no other.
     explicit cutterWinController(QWidget* owner = nullptr);
 
-    /// The milliseconds of "hh:mm:ss.fff"; -1 for a text that is no time. Each field ends with ':'
-    /// or '.' or the text; empty and missing ones count 0. The last is a number of milliseconds and
-    /// no fraction: "0:0:1.5" is 1005.
+    /// The milliseconds that parsedMilliseconds() reads; -1 for a text that is no time.
     static std::int32_t parseSpecificStringToMs(const QString& time);
     /// Puts the cut window into the current setting, also times that are none. Its length in
     /// milliseconds; -1 if a text is no time or the end lies before the start.
