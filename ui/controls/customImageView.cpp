@@ -1,5 +1,6 @@
 #include "customImageView.h"
 
+#include "DroppedFiles.h"
 #include "PlatformLog.h"
 
 #include <QDropEvent>
@@ -9,24 +10,14 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
-#include <QUrl>
 
 #include <utility>
 
 namespace velmora {
 namespace {
 
-constexpr int copyOperation = 1;
-constexpr int stretchToFill = 1;
-
-QStringList fileNamesOf(const QMimeData& drag) {
-    QStringList names;
-    for (const QUrl& url : drag.urls()) {
-        if (url.isLocalFile())
-            names.append(url.toLocalFile());
-    }
-    return names;
-}
+constexpr int kCopyOperation = 1;
+constexpr int kStretchToFill = 1;
 
 QRect centred(const QSize& size, const QRect& room) {
     QRect place(QPoint(), size);
@@ -69,33 +60,36 @@ void customImageView::setImageScaling(int scaling) {
 
 void customImageView::tell(const std::optional<QString>& path) const {
     // A copy: the callback may set another one.
-    if (const MouseDownCallback callback = mMouseDownCB)
+    if (const MouseDownCallback callback = mMouseDownCB) {
         callback(path);
+    }
 }
 
 void customImageView::mouseDown(QMouseEvent& event) {
     QWidget::mousePressEvent(&event);
     event.accept();
-    if (showsPlaceholder())
+    if (showsPlaceholder()) {
         tell(std::nullopt);
+    }
 }
 
 int customImageView::draggingEntered(const QMimeData& /*drag*/) {
-    return copyOperation;
+    return kCopyOperation;
 }
 
 void customImageView::draggingExited() {}
 
 bool customImageView::prepareForDragOperation(const QMimeData& drag) {
-    const QStringList names = fileNamesOf(drag);
+    const QStringList names = localFiles(drag);
     buildFileTypes();
-    if (!names.isEmpty())
+    if (!names.isEmpty()) {
         tell(names.front());
+    }
     return !mFileType.isEmpty();
 }
 
 void customImageView::drawRect(QPainter& painter) {
-    const QSize size = scaling_ == stretchToFill
+    const QSize size = scaling_ == kStretchToFill
                            ? rect().size()
                            : image_.size().scaled(rect().size(), Qt::KeepAspectRatio);
     image_.draw(painter, centred(size, rect()));
@@ -108,36 +102,34 @@ QSize customImageView::sizeHint() const {
 void customImageView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     drawRect(painter);
-    if (!hasFocus())
+    if (!hasFocus()) {
         return;
+    }
     QStyleOptionFocusRect option;
     option.initFrom(this);
     style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
 void customImageView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
         mouseDown(*event);
-    else
+    } else {
         QWidget::mousePressEvent(event);
+    }
 }
 
 void customImageView::keyPressEvent(QKeyEvent* event) {
     const int key = event->key();
     const bool presses = key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter;
-    if (presses && showsPlaceholder())
+    if (presses && showsPlaceholder()) {
         tell(std::nullopt);
-    else
+    } else {
         QWidget::keyPressEvent(event);
+    }
 }
 
 void customImageView::dragEnterEvent(QDragEnterEvent* event) {
-    if (!event->mimeData()->hasUrls())
-        return;
-    if (draggingEntered(*event->mimeData()) == copyOperation) {
-        event->setDropAction(Qt::CopyAction);
-        event->accept();
-    }
+    answerDrag(*event, draggingEntered(*event->mimeData()) == kCopyOperation);
 }
 
 void customImageView::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
@@ -145,8 +137,7 @@ void customImageView::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
 }
 
 void customImageView::dropEvent(QDropEvent* event) {
-    event->setDropAction(Qt::CopyAction);
-    event->setAccepted(prepareForDragOperation(*event->mimeData()));
+    answerDrop(*event, prepareForDragOperation(*event->mimeData()));
 }
 
 } // namespace velmora

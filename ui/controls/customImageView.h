@@ -21,7 +21,7 @@ public:
     /// Called with the dropped path, or without one for a click.
     using MouseDownCallback = std::function<void(const std::optional<QString>&)>;
 
-    static constexpr const char* placeholderName = "add1";
+    static constexpr const char* kPlaceholderName = "add1";
 
     explicit customImageView(QWidget* parent = nullptr);
     void initWithFrame(const QRect& frame);
@@ -62,7 +62,7 @@ protected:
 
 private:
     void buildFileTypes();
-    bool showsPlaceholder() const { return image_.name() == placeholderName; }
+    bool showsPlaceholder() const { return image_.name() == kPlaceholderName; }
     void tell(const std::optional<QString>& path) const;
 
     MouseDownCallback mMouseDownCB;

@@ -1,28 +1,15 @@
 #include "JoinerTable.h"
 
+#include "DroppedFiles.h"
+
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QMimeData>
-#include <QUrl>
 
 #include <algorithm>
 #include <utility>
 
 namespace velmora {
-namespace {
-
-QStringList localFiles(const QMimeData& drag) {
-    QStringList paths;
-    for (const QUrl& url : drag.urls()) {
-        if (url.isLocalFile())
-            paths.append(url.toLocalFile());
-    }
-    return paths;
-}
-
-} // namespace
-
 JoinerTable::JoinerTable(QWidget* parent) : QTableView(parent) {
     setAcceptDrops(true);
 }
@@ -31,24 +18,25 @@ void JoinerTable::setModel(QAbstractItemModel* model) {
     QTableView::setModel(model);
     connect(model, &QAbstractItemModel::modelReset, this, &JoinerTable::showHintWhenEmpty);
     fitColumns();
-    if (QWidget* const label = hint())
+    if (QWidget* const label = hint()) {
         label->setAttribute(Qt::WA_TransparentForMouseEvents); // what is dropped on it as well
+    }
     showHintWhenEmpty();
 }
 
 /// The first column takes what room the others, as wide as their usual content, leave.
 void JoinerTable::fitColumns() {
-    constexpr int padding = 24;
-    constexpr int rowPadding = 14;
+    constexpr int kPadding = 24;
+    constexpr int kRowPadding = 14;
     verticalHeader()->hide();
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + rowPadding);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
     QHeaderView& header = *horizontalHeader();
     header.setHighlightSections(false);
     header.setSectionResizeMode(0, QHeaderView::Stretch);
     const QStringList usual{"Format", "00:00:00.000", "0000x0000", "Frame rate", "Completed"};
     for (int section = 1; section < header.count() && section <= usual.size(); ++section) {
         const QString& content = usual[section - 1];
-        header.resizeSection(section, fontMetrics().horizontalAdvance(content) + padding);
+        header.resizeSection(section, fontMetrics().horizontalAdvance(content) + kPadding);
     }
 }
 
@@ -59,23 +47,22 @@ void JoinerTable::setDropHandlers(std::function<unsigned()> validate,
 }
 
 int JoinerTable::selectedRow() const {
-    if (!selectionModel())
+    if (!selectionModel()) {
         return -1;
+    }
     const int current = currentIndex().row();
-    if (current >= 0 && selectionModel()->isRowSelected(current))
+    if (current >= 0 && selectionModel()->isRowSelected(current)) {
         return current;
+    }
     int last = -1;
-    for (const QModelIndex& row : selectionModel()->selectedRows())
+    for (const QModelIndex& row : selectionModel()->selectedRows()) {
         last = std::max(last, row.row());
+    }
     return last;
 }
 
 void JoinerTable::welcome(QDragMoveEvent& event) const {
-    const bool mayCopy = (validateDrop_() & static_cast<unsigned>(Qt::CopyAction)) != 0;
-    if (event.mimeData()->hasUrls() && mayCopy) {
-        event.setDropAction(Qt::CopyAction);
-        event.accept();
-    }
+    answerDrag(event, (validateDrop_() & static_cast<unsigned>(Qt::CopyAction)) != 0);
 }
 
 void JoinerTable::dragEnterEvent(QDragEnterEvent* event) {
@@ -87,15 +74,15 @@ void JoinerTable::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void JoinerTable::dropEvent(QDropEvent* event) {
-    event->setDropAction(Qt::CopyAction);
-    event->setAccepted(acceptDrop_(localFiles(*event->mimeData())));
+    answerDrop(*event, acceptDrop_(localFiles(*event->mimeData())));
 }
 
 void JoinerTable::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
+    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) {
         Q_EMIT deletePressed();
-    else
+    } else {
         QTableView::keyPressEvent(event);
+    }
 }
 
 void JoinerTable::resizeEvent(QResizeEvent* event) {
@@ -108,13 +95,15 @@ QWidget* JoinerTable::hint() const {
 }
 
 void JoinerTable::placeHint() {
-    if (QWidget* const label = hint())
+    if (QWidget* const label = hint()) {
         label->setGeometry(viewport()->geometry());
+    }
 }
 
 void JoinerTable::showHintWhenEmpty() {
-    if (QWidget* const label = hint())
+    if (QWidget* const label = hint()) {
         label->setVisible(model()->rowCount() == 0);
+    }
 }
 
 } // namespace velmora

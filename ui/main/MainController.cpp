@@ -43,7 +43,7 @@ void MainController::initWithWindow() {
 }
 
 void MainController::windowDidLoad() {
-    ui_.mCustomImage->setImage(NamedImage(customImageView::placeholderName));
+    ui_.mCustomImage->setImage(NamedImage(customImageView::kPlaceholderName));
 }
 
 /// The bar draws on a canvas that never grows: it gets one for any screen.
