@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "ProgramColours.h"
 #include "ui_MainWindow.h"
 
 #include <QCloseEvent>
@@ -15,24 +16,23 @@ namespace {
 
 QString styleSheetText() {
     QFile file(":/MainWindow.qss");
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return file.open(QIODevice::ReadOnly) ? withProgramColours(QString::fromUtf8(file.readAll()))
+                                          : QString();
 }
 
 /// Dark on light whatever the desktop's theme, because the window's colour is.
 QPalette lightPalette() {
-    const QColor ink("#12324a");
-    const QColor accent("#1f6fb2");
     QPalette palette(QColor("#f4fafe"), QColor("#baddf7"));
     for (const auto role :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
-        palette.setColor(role, ink);
+        palette.setColor(role, kInk);
         palette.setColor(QPalette::Disabled, role, QColor("#6b8598"));
     }
     palette.setColor(QPalette::Base, Qt::white);
     palette.setColor(QPalette::AlternateBase, QColor("#f1f8fd"));
     palette.setColor(QPalette::ToolTipBase, Qt::white);
     palette.setColor(QPalette::PlaceholderText, QColor("#47647a"));
-    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::Highlight, kAccent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, Qt::blue);
     return palette;
@@ -68,21 +68,22 @@ void MainWindow::useTabularDigits() {
     digits.setPointSizeF(font().pointSizeF());
     for (QLineEdit* const field :
          {static_cast<QLineEdit*>(ui_->mLabelStart), static_cast<QLineEdit*>(ui_->mLabelEnd),
-          ui_->mLabelDuration, ui_->mLabelDrag})
+          ui_->mLabelDuration, ui_->mLabelDrag}) {
         field->setFont(digits);
+    }
 }
 
 /// What does not fit on the screen with the window manager's frame around it is out of reach.
 void MainWindow::fitToScreen() {
-    constexpr QSize usualFrame(16, 40);
-    resize(size().boundedTo(screen()->availableSize() - usualFrame));
+    constexpr QSize kUsualFrame(16, 40);
+    resize(size().boundedTo(screen()->availableSize() - kUsualFrame));
 }
 
 void MainWindow::showLoadedStage(const QSize& displaySize) {
-    constexpr int rim = 8;
+    constexpr int kRim = 8;
     ui_->mButtonSetImage->hide();
     PreviewStage& stage = *ui_->previewStage;
-    stage.setContentsMargins(rim, rim, rim, rim);
+    stage.setContentsMargins(kRim, kRim, kRim, kRim);
     stage.setDisplaySize(displaySize.isEmpty() ? QSize(16, 9) : displaySize);
     if (!stage.property("loaded").toBool()) {
         stage.setProperty("loaded", true);
@@ -92,14 +93,16 @@ void MainWindow::showLoadedStage(const QSize& displaySize) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->accept();
-    if (closeAction_)
+    if (closeAction_) {
         closeAction_();
+    }
 }
 
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
         Q_EMIT activated();
+    }
 }
 
 } // namespace velmora
