@@ -204,4 +204,11 @@ QStringList hardToRead(QWidget& window) {
     return found;
 }
 
+QImage pictureOfPreview(const customImageView& view) {
+    QImage picture(320, 240, QImage::Format_RGB32);
+    QPainter painter(&picture);
+    view.image().draw(painter, picture.rect());
+    return picture;
+}
+
 } // namespace velmora::test

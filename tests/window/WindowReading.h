@@ -6,6 +6,10 @@
 
 class QWidget;
 
+namespace velmora {
+class customImageView;
+}
+
 // What a window offers to someone without a mouse, and how well it can be read.
 
 namespace velmora::test {
@@ -23,5 +27,8 @@ QStringList mnemonicsUsedTwice(QWidget& window);
 /// "name: contrast" for each text on show in the window whose contrast to its background is below
 /// 4.5 to 1, as it is drawn.
 QStringList hardToRead(QWidget& window);
+
+/// The picture that the view has, in one size for all.
+QImage pictureOfPreview(const customImageView& view);
 
 } // namespace velmora::test

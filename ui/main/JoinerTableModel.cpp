@@ -1,6 +1,6 @@
 #include "JoinerTableModel.h"
 
-#include "MainController.h"
+#include "JoinerList.h"
 
 #include <array>
 
@@ -13,7 +13,7 @@ struct Column {
     Qt::AlignmentFlag alignment;
 };
 
-constexpr std::array<Column, 6> columns{{
+constexpr std::array<Column, 6> kColumns{{
     {"fileSource", "File", Qt::AlignLeft},
     {"videoFormat", "Format", Qt::AlignLeft},
     {"duration", "Length", Qt::AlignRight},
@@ -23,17 +23,17 @@ constexpr std::array<Column, 6> columns{{
 }};
 
 const Column& columnAt(int section) {
-    return columns.at(static_cast<std::size_t>(section));
+    return kColumns.at(static_cast<std::size_t>(section));
 }
 
 } // namespace
 
-JoinerTableModel::JoinerTableModel(const MainController& dataSource, QObject* parent)
-    : QAbstractTableModel(parent), dataSource_(dataSource) {}
+JoinerTableModel::JoinerTableModel(const JoinerList& list, QObject* parent)
+    : QAbstractTableModel(parent), list_(list) {}
 
 void JoinerTableModel::reloadData() {
     beginResetModel();
-    rows_ = dataSource_.numberOfRowsInTableView();
+    rows_ = list_.rowCount();
     endResetModel();
 }
 
@@ -42,29 +42,35 @@ int JoinerTableModel::rowCount(const QModelIndex& parent) const {
 }
 
 int JoinerTableModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(columns.size());
+    return parent.isValid() ? 0 : static_cast<int>(kColumns.size());
 }
 
 QVariant JoinerTableModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid())
+    if (!index.isValid()) {
         return {};
+    }
     const Column& column = columnAt(index.column());
-    if (role == Qt::TextAlignmentRole)
+    if (role == Qt::TextAlignmentRole) {
         return QVariant::fromValue(Qt::Alignment(column.alignment | Qt::AlignVCenter));
+    }
     // A path may be too long for its column.
     const bool isPathTip = role == Qt::ToolTipRole && index.column() == 0;
-    if (role == Qt::DisplayRole || isPathTip)
-        return dataSource_.tableViewObjectValueForTableColumn(column.identifier, index.row());
+    if (role == Qt::DisplayRole || isPathTip) {
+        return list_.cell(column.identifier, index.row());
+    }
     return {};
 }
 
 QVariant JoinerTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal)
+    if (orientation != Qt::Horizontal) {
         return QAbstractTableModel::headerData(section, orientation, role);
-    if (role == Qt::DisplayRole)
+    }
+    if (role == Qt::DisplayRole) {
         return QString(columnAt(section).title);
-    if (role == Qt::TextAlignmentRole)
+    }
+    if (role == Qt::TextAlignmentRole) {
         return QVariant::fromValue(Qt::Alignment(columnAt(section).alignment | Qt::AlignVCenter));
+    }
     return {};
 }
 

@@ -4,16 +4,16 @@
 
 namespace velmora {
 
-class MainController;
+class JoinerList;
 
-/// What the joiner's table shows, asked of its data source as it is needed. Rows are counted by
+/// What the joiner's table shows, asked of the list as it is needed. Rows are counted by
 /// reloadData() only. Main thread.
 class JoinerTableModel : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    /// The data source must outlive the model.
-    explicit JoinerTableModel(const MainController& dataSource, QObject* parent = nullptr);
+    /// The list must outlive the model; it is asked nothing yet.
+    explicit JoinerTableModel(const JoinerList& list, QObject* parent = nullptr);
 
     void reloadData();
 
@@ -24,7 +24,7 @@ public:
                         int role = Qt::DisplayRole) const override;
 
 private:
-    const MainController& dataSource_;
+    const JoinerList& list_;
     int rows_ = 0;
 };
 

@@ -81,6 +81,8 @@ void MainWindow::fitToScreen() {
 
 void MainWindow::showLoadedStage(const QSize& displaySize) {
     constexpr int kRim = 8;
+    ui_->mAddFileToolTip->hide();
+    ui_->mButtonSetImage->setToolTip({});
     ui_->mButtonSetImage->hide();
     PreviewStage& stage = *ui_->previewStage;
     stage.setContentsMargins(kRim, kRim, kRim, kRim);

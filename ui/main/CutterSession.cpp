@@ -1,0 +1,291 @@
+#include "CutterSession.h"
+
+#include "AlertPanel.h"
+#include "ConversionEngine.h"
+#include "ConverterThread.h"
+#include "CustomSlider.h"
+#include "DisplaySize.h"
+#include "LeadingNumber.h"
+#include "MainWindow.h"
+#include "MediaOperations.h"
+#include "ModalSession.h"
+#include "PathParts.h"
+#include "PlatformLog.h"
+#include "ProbedFile.h"
+#include "SharedState.h"
+#include "TimeText.h"
+#include "cutterWinController.h"
+#include "ui_MainWindow.h"
+
+#include <QDesktopServices>
+#include <QUrl>
+
+#include <utility>
+
+namespace velmora {
+namespace {
+
+/// The length of the file that has been probed last.
+float probedDuration() {
+    const auto lengthUs = static_cast<double>(ConversionEngine::instance().durationUs);
+    return static_cast<float>(lengthUs / 1000000.0);
+}
+
+void showTime(QLineEdit& field, float seconds) {
+    field.setText(timeText(seconds));
+}
+
+} // namespace
+
+CutterSession::CutterSession(MainWindow& window, Requests requests)
+    : window_(window), bar_(*window.outlets().mCustomSlider), start_(*window.outlets().mLabelStart),
+      end_(*window.outlets().mLabelEnd), length_(*window.outlets().mLabelDuration),
+      position_(*window.outlets().mLabelDrag), preview_(*window.outlets().mCustomImage),
+      requests_(std::move(requests)),
+      mCutterWincontroller(std::make_unique<cutterWinController>(&window)) {}
+
+CutterSession::~CutterSession() = default;
+
+// Loading.
+
+void CutterSession::mouseDownListener(const std::optional<QString>& path) {
+    platformLog("take mousedown:" + path.value_or("(null)"));
+    if (path) {
+        firstLoadVideo(*path);
+        sliderClear();
+        showTime(end_, mDuration);
+        cutterAddObject(*path);
+    } else {
+        requests_.askForFiles();
+    }
+    platformLog(QString::asprintf("add file:%d", mAddFileInitialized ? 1 : 0));
+}
+
+/// The next file is found by the probe's code, which is 0 once a file has been loaded: a second
+/// file is loaded again and again, until it no longer can be or the window is closed.
+void CutterSession::loadChosenFiles(const QStringList& files) {
+    qsizetype next = 0;
+    while (next < files.size()) {
+        const std::optional<std::int32_t> code = loadChosenFile(files[next]);
+        if (!code) {
+            return;
+        }
+        next = *code + 1;
+        if (next < files.size() && !requests_.letOthersRun()) {
+            return;
+        }
+    }
+    sliderClear();
+}
+
+std::optional<std::int32_t> CutterSession::loadChosenFile(const QString& path) {
+    firstLoadVideo(path);
+    const std::int32_t code = probeVideo(path);
+    showTime(end_, mDuration);
+    if (!acceptProbe(code)) {
+        return std::nullopt;
+    }
+    takeProbedVideo(path);
+    return code;
+}
+
+void CutterSession::cutterAddObject(const QString& path) {
+    if (!acceptProbe(probeVideo(path))) {
+        return;
+    }
+    showTime(end_, mDuration);
+    takeProbedVideo(path);
+}
+
+std::int32_t CutterSession::probeVideo(const QString& path) const {
+    const std::int32_t code = probeFile(path);
+    platformLog(QString::asprintf("endtime:%f", static_cast<double>(mDuration)));
+    return code;
+}
+
+void CutterSession::takeProbedVideo(const QString& path) {
+    const ConversionEngine& engine = ConversionEngine::instance();
+    setDuration(static_cast<float>(engine.durationUs) / 1000000.0F);
+    platformLog(QString::asprintf("duration:%f s(%lld)", static_cast<double>(mDuration),
+                                  static_cast<long long>(engine.durationUs)));
+    ConverterThread::copyProbeToSetting();
+    const std::shared_ptr<NodeInfo> item = probedItem(path);
+    marks_ = {toMilliseconds(item->startTime), toMilliseconds(item->duration)};
+    currentSetting->cutStartTime = static_cast<float>(marks_.mStartValMs);
+    currentSetting->cutEndTime = static_cast<float>(marks_.mEndValMs);
+    cutterFileList->push_back(item);
+}
+
+void CutterSession::firstLoadVideo(const QString& path) {
+    filename_ = path;
+    requests_.startAfresh();
+    platformLog(QString("get path:%1").arg(path));
+    probeFile(path);
+    setDuration(probedDuration());
+    preview_.showFirst(path);
+    if (!mAddFileInitialized) {
+        const ConversionEngine& engine = ConversionEngine::instance();
+        mAddFileInitialized = true;
+        bar_.setCustomSliderEnable(true);
+        window_.showLoadedStage(displaySize({engine.sourceWidth, engine.sourceHeight},
+                                            mediaOperations().sampleAspectRatio()));
+    }
+}
+
+void CutterSession::unload() {
+    mAddFileInitialized = false;
+    bar_.setCustomSliderEnable(false);
+}
+
+void CutterSession::setDuration(float seconds) {
+    mDuration = seconds;
+    showTime(length_, mDuration);
+    position_.setText(positionText(0, mDuration));
+}
+
+// The bar and the marks.
+
+void CutterSession::sliderClear() {
+    bar_.setAnchorLeft(-1);
+    bar_.setAnchorRight(-1);
+    bar_.setButIndex(0);
+}
+
+void CutterSession::viewValueReset() {
+    bar_.setDoubleValue(0);
+    for (QLineEdit* const field : {&start_, &end_, &length_}) {
+        showTime(*field, 0);
+    }
+    position_.setText(positionText(0, 0));
+}
+
+void CutterSession::setPosition(double value) {
+    mLabelValue = static_cast<float>(value * mDuration / 100.0);
+}
+
+void CutterSession::showPosition(double value) {
+    setPosition(value);
+    platformLog(QString::asprintf("get slider:%f", bar_.doubleValue()));
+    position_.setText(positionText(mLabelValue, mDuration));
+}
+
+void CutterSession::scrubTo(double value) {
+    setPosition(value);
+    position_.setText(positionText(mLabelValue, mDuration));
+    preview_.showAt(filename_, mLabelValue);
+}
+
+void CutterSession::markStart() {
+    if (!mAddFileInitialized) {
+        return;
+    }
+    closePanel();
+    const bool endMoved = marks_.markStart(mLabelValue, mDuration);
+    setInfoParameter("cutStartTime", QString::number(marks_.mStartValMs));
+    showTime(start_, mLabelValue);
+    bar_.setAnchorLeft(bar_.getCurrenPosInt());
+    bar_.setButIndex(1);
+    bar_.update();
+    if (endMoved) {
+        showTime(end_, mDuration);
+    }
+    setTextFieldDuration();
+}
+
+void CutterSession::markEnd() {
+    if (!mAddFileInitialized) {
+        return;
+    }
+    closePanel();
+    const bool startMoved = marks_.markEnd(mLabelValue);
+    setInfoParameter("cutEndTime", QString::number(marks_.mEndValMs));
+    showTime(end_, mLabelValue);
+    bar_.setAnchorRight(bar_.getCurrenPosInt());
+    bar_.setButIndex(2);
+    bar_.update();
+    if (startMoved) {
+        showTime(start_, 0);
+    }
+    setTextFieldDuration();
+}
+
+void CutterSession::setTextFieldDuration() {
+    showTime(length_, toSeconds(marks_.lengthMs()));
+}
+
+std::int64_t CutterSession::getTextFieldValueMs(std::int64_t which) const {
+    switch (which) {
+    case 1:
+        return marks_.mStartValMs;
+    case 2:
+        return marks_.mEndValMs;
+    default:
+        return -1;
+    }
+}
+
+void CutterSession::timesTyped() {
+    const std::int32_t start = cutterWinController::parseSpecificStringToMs(start_.text());
+    const std::int32_t end = cutterWinController::parseSpecificStringToMs(end_.text());
+    if (static_cast<float>(start) != currentSetting->cutStartTime ||
+        static_cast<float>(end) != currentSetting->cutEndTime) {
+        closePanel(); // it would cut by the times it was opened with
+    }
+    if (start >= 0 && end >= 0) {
+        showTime(length_, toSeconds(end - start));
+    }
+}
+
+void CutterSession::setInfoParameter(const QString& key, const QString& value) {
+    if (key == "width") {
+        currentSetting->width = leadingInteger(value);
+    } else if (key == "height") {
+        currentSetting->height = leadingInteger(value);
+    } else if (key == "cutStartTime") {
+        currentSetting->cutStartTime = static_cast<float>(leadingDecimal(value));
+    } else if (key == "cutEndTime") {
+        currentSetting->cutEndTime = static_cast<float>(leadingDecimal(value));
+    }
+}
+
+// Actions.
+
+void CutterSession::invite() {
+    if (!mAddFileInitialized) {
+        requests_.askForFiles();
+    }
+}
+
+void CutterSession::play() {
+    if (!mAddFileInitialized) {
+        requests_.askForFiles();
+        return;
+    }
+    platformLog("name:" + filename_);
+    QDesktopServices::openUrl(QUrl::fromLocalFile(filename_));
+}
+
+void CutterSession::startCut() {
+    platformLog("Video Cutter");
+    if (!(mDuration > 0)) {
+        runAlertPanel("Error", "Please add video file first!", "OK", {});
+        return;
+    }
+    const std::int32_t lengthMs = cutterWinController::setStartAndEnd(start_.text(), end_.text());
+    if (lengthMs < 0) {
+        runAlertPanel({}, "incorrect time format(e.g. xx:xx:xx.xxx)!", "OK", "");
+        return;
+    }
+    showTime(length_, toSeconds(lengthMs));
+    mCutterWincontroller->setCutterOutputFilename(fileNameWithoutExtension(filename_),
+                                                  pathExtension(filename_));
+    QWidget& panel = mCutterWincontroller->window();
+    panel.setWindowTitle("Cutter Setting");
+    runModalForWindow(panel);
+}
+
+void CutterSession::closePanel() {
+    mCutterWincontroller->close();
+}
+
+} // namespace velmora

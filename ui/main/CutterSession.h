@@ -1,0 +1,110 @@
+#pragma once
+
+#include "CutMarks.h"
+#include "PreviewPicture.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QLineEdit;
+
+namespace velmora {
+
+class CustomSlider;
+class MainWindow;
+class cutterWinController;
+struct NodeInfo;
+
+/// The cutter's video: loading it, its preview, the position of the bar, the marks, and the way
+/// into the panel that starts a cut. The item itself is in the shared `cutterFileList`, the times
+/// of a cut in the current setting. Times are seconds unless their names say otherwise. Main
+/// thread; loading and scrubbing block.
+class CutterSession {
+public:
+    /// What a session asks of the window that it is in.
+    struct Requests {
+        /// A load begins: everything in the window, also this session, goes to its first values.
+        std::function<void()> startAfresh;
+        /// The user is to choose files, which come by loadChosenFiles().
+        std::function<void()> askForFiles;
+        /// Between two files: lets the user close the window. Whether loading goes on.
+        std::function<bool()> letOthersRun;
+    };
+
+    /// The window must outlive the session.
+    CutterSession(MainWindow& window, Requests requests);
+    ~CutterSession();
+    CutterSession(const CutterSession&) = delete;
+    CutterSession& operator=(const CutterSession&) = delete;
+
+    // Loading.
+    /// A dropped path, or none for a click on the empty preview.
+    void mouseDownListener(const std::optional<QString>& path);
+    void loadChosenFiles(const QStringList& files);
+    /// Starts all afresh, and shows length and first picture of the file, whatever it is.
+    void firstLoadVideo(const QString& path);
+    /// Makes the file the cutter's item; an invalid file only alerts.
+    void cutterAddObject(const QString& path);
+    /// From now on there is no video, but for its name and length.
+    void unload();
+
+    // The bar and the marks.
+    void sliderClear();
+    void viewValueReset();
+    /// The position is where the bar's `value`, a percentage, lies in the video.
+    void showPosition(double value);
+    /// Likewise, with the picture there.
+    void scrubTo(double value);
+    void markStart();
+    void markEnd();
+    void setTextFieldDuration();
+    /// 1: the start; 2: the end; -1 for any other `which`.
+    std::int64_t getTextFieldValueMs(std::int64_t which) const;
+    /// The user has changed the text of a mark.
+    void timesTyped();
+    /// Puts a value into the current setting's field of that name.
+    static void setInfoParameter(const QString& key, const QString& value);
+
+    // Actions. Without a video, the first two ask for one.
+    void invite();
+    void play();
+    /// Opens the panel modally, or says why not.
+    void startCut();
+    void closePanel();
+
+    const QString& filename() const { return filename_; }
+    float duration() const { return mDuration; }
+    float labelValue() const { return mLabelValue; }
+    bool isLoaded() const { return mAddFileInitialized; }
+
+private:
+    std::optional<std::int32_t> loadChosenFile(const QString& path);
+    std::int32_t probeVideo(const QString& path) const;
+    void takeProbedVideo(const QString& path);
+    void setDuration(float seconds);
+    void setPosition(double value);
+
+    MainWindow& window_;
+    CustomSlider& bar_;
+    QLineEdit& start_;
+    QLineEdit& end_;
+    QLineEdit& length_;
+    QLineEdit& position_;
+    PreviewPicture preview_;
+    Requests requests_;
+    std::unique_ptr<cutterWinController> mCutterWincontroller;
+
+    QString filename_;
+    float mDuration = 0;
+    CutMarks marks_;
+    float mLabelValue = 0; ///< where the bar is
+    [[maybe_unused]] float mStartTimeMs = 0;
+    bool mAddFileInitialized = false;
+};
+
+} // namespace velmora
