@@ -17,11 +17,13 @@ template <typename Value> bool holds(const QVariant& value) {
 
 /// Whole numbers keep their lower 32 bits, others lose their fraction.
 std::optional<std::int32_t> asNumber(const QVariant& value) {
-    if (holds<qlonglong>(value))
+    if (holds<qlonglong>(value)) {
         return static_cast<std::int32_t>(value.toLongLong());
-    constexpr double limit = 2147483648.0;
-    if (holds<double>(value) && std::abs(value.toDouble()) < limit)
+    }
+    constexpr double kLimit = 2147483648.0;
+    if (holds<double>(value) && std::abs(value.toDouble()) < kLimit) {
         return static_cast<std::int32_t>(value.toDouble());
+    }
     return std::nullopt;
 }
 
@@ -32,8 +34,9 @@ std::optional<QString> asText(const QVariant& value) {
 /// What is no text is an empty one: the choices after it keep their positions.
 QStringList asTexts(const QVariant& value) {
     QStringList texts;
-    for (const QVariant& item : value.toList())
+    for (const QVariant& item : value.toList()) {
         texts.append(asText(item).value_or(QString()));
+    }
     return texts;
 }
 
@@ -48,8 +51,9 @@ Profile profileFrom(const QVariantMap& dictionary) {
                     .name = asText(dictionary.value("name")),
                     .setInfo = {}};
     for (const QVariant& entry : dictionary.value("setInfo").toList()) {
-        if (holds<QVariantMap>(entry))
+        if (holds<QVariantMap>(entry)) {
             profile.setInfo.push_back(parameterFrom(entry.toMap()));
+        }
     }
     return profile;
 }
@@ -60,11 +64,17 @@ std::int32_t ProfileParameter::position() const {
     return index >= 0 && std::cmp_less(index, arrayValue.size()) ? index : 0;
 }
 
+const ProfileParameter* Profile::parameter(const QString& wanted) const {
+    const auto found = std::ranges::find(setInfo, wanted, &ProfileParameter::name);
+    return found != setInfo.end() ? &*found : nullptr;
+}
+
 ProfileInfo& ProfileInfo::initWithPath(const QString& path) {
     profiles_.clear();
     for (const QVariant& item : readPropertyList(path).toList()) {
-        if (holds<QVariantMap>(item))
+        if (holds<QVariantMap>(item)) {
             profiles_.push_back(profileFrom(item.toMap()));
+        }
     }
     return *this;
 }
@@ -82,8 +92,9 @@ const Profile* ProfileInfo::getProfileByName(const QString& name) const {
 QStringList ProfileInfo::getAllProfileName() const {
     QStringList names;
     for (const Profile& profile : profiles_) {
-        if (profile.name)
+        if (profile.name) {
             names.append(*profile.name);
+        }
     }
     return names;
 }

@@ -26,6 +26,9 @@ struct Profile {
     std::optional<std::int32_t> index; ///< its id
     std::optional<QString> name;       ///< as shown; "(*.mp4)" at its end tells the extension
     std::vector<ProfileParameter> setInfo;
+
+    /// The first parameter of this name; null without one.
+    const ProfileParameter* parameter(const QString& wanted) const;
 };
 
 /// The profiles of a property list, in its order. Main thread; the profiles that it hands out live

@@ -56,6 +56,16 @@ TEST_F(ProfileInfoTest, getAllProfileName_profilesInFile_givesNamesInOrderWithou
     EXPECT_EQ(store_.getAllProfileName(), (QStringList{"second", "first é & more"}));
 }
 
+TEST_F(ProfileInfoTest, parameter_sameNameTwice_isTheFirst) {
+    load("<array>" + profile(1, "p", parameter("x", 0) + parameter("y", 1) + parameter("y", 2)) +
+         "</array>");
+    const Profile* const loaded = store_.getProfileByName("p");
+    ASSERT_NE(loaded, nullptr);
+    ASSERT_NE(loaded->parameter("y"), nullptr);
+    EXPECT_EQ(loaded->parameter("y")->choice(), "b");
+    EXPECT_EQ(loaded->parameter("z"), nullptr);
+}
+
 TEST_F(ProfileInfoTest, getProfileByName_sameNameTwice_givesTheFirst) {
     load("<array>" + profile(1, "p", "") + profile(2, "p", "") + "</array>");
     EXPECT_EQ(store_.getProfileByName("p")->index, 1);

@@ -34,15 +34,17 @@ void setItalic(QLabel& label, bool italic) {
 
 /// Combo boxes take what is typed as it is: they neither complete it nor keep it as an entry.
 void takeTextAsTyped(QWidget& form) {
-    for (QComboBox* const box : form.findChildren<QComboBox*>())
+    for (QComboBox* const box : form.findChildren<QComboBox*>()) {
         box->setCompleter(nullptr);
+    }
 }
 
 /// Labels are found by what they say.
 void nameLabels(QWidget& form) {
     for (QLabel* const label : form.findChildren<QLabel*>()) {
-        if (label->accessibleName().isEmpty())
+        if (label->accessibleName().isEmpty()) {
             label->setAccessibleName(spoken(label->text()));
+        }
     }
 }
 

@@ -9,7 +9,6 @@
 #include "PanelWindow.h"
 #include "PlatformLog.h"
 #include "PrimaryButton.h"
-#include "SettingControler.h"
 #include "SharedState.h"
 #include "UserName.h"
 #include "ui_OutputSettingsForm.h"
@@ -29,16 +28,6 @@ QString defaultFolder(const QString& key) {
                             : QString("%1%2").arg("/Users/" + userName(), "/Movies");
 }
 
-const ProfileParameter* parameterOf(const Profile* profile, const QString& name) {
-    if (profile == nullptr)
-        return nullptr;
-    for (const ProfileParameter& parameter : profile->setInfo) {
-        if (parameter.name == name)
-            return &parameter;
-    }
-    return nullptr;
-}
-
 } // namespace
 
 OutputSettingsPanel::OutputSettingsPanel(QWidget* owner) : owner_(owner) {}
@@ -46,14 +35,16 @@ OutputSettingsPanel::OutputSettingsPanel(QWidget* owner) : owner_(owner) {}
 OutputSettingsPanel::~OutputSettingsPanel() = default;
 
 QWidget& OutputSettingsPanel::window() {
-    if (!window_)
+    if (!window_) {
         load();
+    }
     return *window_;
 }
 
 void OutputSettingsPanel::load() {
     window_ = std::make_unique<PanelWindow>(owner_);
     form_ = setupWindow(*window_);
+    boxes_.emplace(outlets());
     window_->windowShouldClose = [this] { return windowShouldClose(); };
     windowDidLoad();
     bindActions();
@@ -61,11 +52,13 @@ void OutputSettingsPanel::load() {
 }
 
 void OutputSettingsPanel::close() {
-    if (!window_ || !window_->isVisible())
+    if (!window_ || !window_->isVisible()) {
         return;
+    }
     for (QDialog* const above : window_->findChildren<QDialog*>()) {
-        if (above->isVisible())
+        if (above->isVisible()) {
             above->close();
+        }
     }
     window_->close();
 }
@@ -82,8 +75,9 @@ void OutputSettingsPanel::bindActions() {
                      [this] { refreshResultPath(); });
     QObject::connect(form.mButBrowse, &QPushButton::clicked, form_, [this] { mButBrowse(); });
     QObject::connect(form.mButCustomize, &QPushButton::clicked, form_, [this] { mButCustomize(); });
-    for (QLineEdit* const field : {form.mTextField1, form.mTextField2})
+    for (QLineEdit* const field : {form.mTextField1, form.mTextField2}) {
         QObject::connect(field, &QLineEdit::textChanged, form_, [this] { refreshResultPath(); });
+    }
 }
 
 void OutputSettingsPanel::bindStart(QPushButton& button, std::function<void()> action) {
@@ -119,9 +113,7 @@ void OutputSettingsPanel::initProfile() {
     mSetInfo.initWithDict(mProfileInfo.getProfileByName(first));
     mSetInfo.isDefautValue = 1;
     mSetInfo.profileName = first;
-    for (QComboBox* const box : {form.mVideoQuality, form.mVideoSize, form.mFrameRate,
-                                 form.mAudioQuality, form.mSampleRate})
-        box->clear();
+    comboxClean();
     addSourceFrameRate();
     parameterChoice(mSetInfo.profileName);
 }
@@ -129,52 +121,36 @@ void OutputSettingsPanel::initProfile() {
 void OutputSettingsPanel::parameterChoice(const QString& profileName) {
     profileOnShow_ = profileName;
     const Profile* const profile = mProfileInfo.getProfileByName(profileName);
-    if (profile == nullptr)
+    if (profile == nullptr) {
         return;
-    for (const ProfileParameter& parameter : profile->setInfo)
+    }
+    for (const ProfileParameter& parameter : profile->setInfo) {
         addChoices(parameter);
+    }
 }
 
 void OutputSettingsPanel::addChoices(const ProfileParameter& parameter) {
-    const auto& form = outlets();
-    const auto fill = [&parameter](QComboBox& box, int position) {
-        box.addItems(parameter.arrayValue);
-        box.setCurrentIndex(position);
-    };
     const QString& name = parameter.name;
-    if (name == "aSamplerate")
-        fill(*form.mSampleRate, parameter.position());
-    else if (name == "aBitRate")
-        fill(*form.mAudioQuality, parameter.position());
-    else if (name == "vBitRate")
-        fill(*form.mVideoQuality, parameter.position());
-    else if (name == "vFrameRate")
-        fill(*form.mFrameRate, frameRatePosition(parameter.position()));
-    else if (name == "vResolution")
-        fill(*form.mVideoSize, parameter.position());
-    else if (name == "vEncoder")
+    const bool isFrameRate = name == ParameterBoxes::kFrameRate;
+    boxes_->add(parameter,
+                isFrameRate ? frameRatePosition(parameter.position()) : parameter.position());
+    if (name == "vEncoder") {
         mVideoEncoder = parameter.choice();
-    else if (name == "aEncoder")
+    } else if (name == "aEncoder") {
         mAudioEncoder = parameter.choice();
-    else if (name == "channel")
+    } else if (name == "channel") {
         mAudioChannels = getChannel(parameter.choice());
+    }
 }
 
 void OutputSettingsPanel::comboxClean() {
-    const auto& form = outlets();
-    for (QComboBox* const box : {form.mSampleRate, form.mAudioQuality, form.mVideoQuality,
-                                 form.mFrameRate, form.mVideoSize})
-        box->clear();
+    boxes_->clear();
 }
 
 void OutputSettingsPanel::setStatus(bool enabled) {
-    const auto& form = outlets();
-    for (QWidget* const widget :
-         {static_cast<QWidget*>(form.mComboBox), static_cast<QWidget*>(form.mVideoQuality),
-          static_cast<QWidget*>(form.mVideoSize), static_cast<QWidget*>(form.mFrameRate),
-          static_cast<QWidget*>(form.mAudioQuality), static_cast<QWidget*>(form.mSampleRate),
-          static_cast<QWidget*>(form.mButCustomize)})
-        widget->setEnabled(enabled);
+    boxes_->setEnabled(enabled);
+    outlets().mComboBox->setEnabled(enabled);
+    outlets().mButCustomize->setEnabled(enabled);
 }
 
 bool OutputSettingsPanel::windowShouldClose() {
@@ -192,8 +168,9 @@ void OutputSettingsPanel::mButFormatChange() {
 }
 
 void OutputSettingsPanel::profileTextEntered() {
-    if (profileText() != profileOnShow_)
+    if (profileText() != profileOnShow_) {
         mButFormatChange();
+    }
 }
 
 void OutputSettingsPanel::mButMakeChoice() {
@@ -207,23 +184,17 @@ void OutputSettingsPanel::mButBrowse() {
                               : folder();
     beginOpenPanel(*window_, OpenPanelChoice::Folder, start,
                    [this](int result, const QStringList& paths) {
-                       if (result == 1)
+                       if (result == 1) {
                            outlets().mTextField1->setText(paths.value(0));
+                       }
                    });
 }
 
 void OutputSettingsPanel::mButCustomize() {
-    // A load replaces the current setting by a new one, which is not the one to put back.
-    const std::shared_ptr<NodeSetting> setting = currentSetting;
-    const NodeSetting before = *setting;
-    loadEditorProfiles();
-    parametersToSetting();
-    if (!editor().showSettingFrom(window_.get())) {
-        *setting = before;
+    if (!editing_.edit(*window_, profilePath(), [this] { parametersToSetting(); })) {
         return;
     }
-    const Profile* const profile = mProfileInfo.getProfileByName(profileText());
-    const ProfileParameter* const rates = parameterOf(profile, "vFrameRate");
+    const ProfileParameter* const rates = parameterOfProfile(ParameterBoxes::kFrameRate);
     parametersFromSetting(rates != nullptr ? rates->choice() : QString());
 }
 
@@ -235,12 +206,8 @@ void OutputSettingsPanel::parametersToSetting() {
 }
 
 void OutputSettingsPanel::parametersFromSetting(const QString& frameRateShownBefore) {
-    const auto& form = outlets();
     const NodeSetting& setting = *currentSetting;
-    selectItem(*form.mVideoQuality, setting.vBitrate);
-    selectItem(*form.mVideoSize, setting.vResolution);
-    selectItem(*form.mAudioQuality, setting.aBitrate);
-    selectItem(*form.mSampleRate, setting.aSamplerate);
+    boxes_->select(setting);
     takeFrameRate(setting.vFrameRate, frameRateShownBefore);
     mVideoEncoder = setting.vEncoder;
     mAudioEncoder = setting.aEncoder;
@@ -249,28 +216,21 @@ void OutputSettingsPanel::parametersFromSetting(const QString& frameRateShownBef
     parseResolution(setting.vResolution);
 }
 
-QString OutputSettingsPanel::channelChoice() const {
+/// A parameter of the profile that the user has chosen; null without one.
+const ProfileParameter* OutputSettingsPanel::parameterOfProfile(const QString& name) const {
     const Profile* const profile = mProfileInfo.getProfileByName(profileText());
-    if (const ProfileParameter* const channels = parameterOf(profile, "channel")) {
+    return profile != nullptr ? profile->parameter(name) : nullptr;
+}
+
+QString OutputSettingsPanel::channelChoice() const {
+    if (const ProfileParameter* const channels = parameterOfProfile("channel")) {
         for (const QString& choice : channels->arrayValue) {
-            if (getChannel(choice) == mAudioChannels)
+            if (getChannel(choice) == mAudioChannels) {
                 return choice;
+            }
         }
     }
     return mAudioChannels;
-}
-
-void OutputSettingsPanel::loadEditorProfiles() const {
-    if (editorProfileStore)
-        return;
-    editorProfileStore = std::make_shared<ProfileInfo>();
-    editorProfileStore->initWithPath(profilePath());
-}
-
-SettingControler& OutputSettingsPanel::editor() {
-    if (!editor_)
-        editor_ = std::make_unique<SettingControler>();
-    return *editor_;
 }
 
 void OutputSettingsPanel::takeFrameRate(const QString& rate, const QString& /*shownBefore*/) {
@@ -308,14 +268,16 @@ void OutputSettingsPanel::setDirectExtension(const QString& extension) {
 }
 
 void OutputSettingsPanel::refreshResultPath() {
-    if (!isLoaded())
+    if (!isLoaded()) {
         return;
-    if (folder().isEmpty())
+    }
+    if (folder().isEmpty()) {
         form_->showNoResultPath("Browse for a folder first");
-    else if (selectedRow() == kReencodeRow)
+    } else if (selectedRow() == kReencodeRow) {
         form_->showResultPath(composedPath(getExtension(profileText())));
-    else
+    } else {
         form_->showResultPath(composedPath(expectedExtension()));
+    }
 }
 
 } // namespace velmora

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "NodeSetting.h"
+#include "ParameterBoxes.h"
 #include "ProfileInfo.h"
+#include "SettingEditing.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QComboBox;
 class QPushButton;
@@ -18,7 +21,6 @@ namespace velmora {
 class ConverterController;
 class OutputSettingsForm;
 class PanelWindow;
-class SettingControler;
 struct ConverterInfo;
 
 namespace Ui {
@@ -140,13 +142,13 @@ private:
     void refreshResultPath();
     QString channelChoice() const;
     QString composedPath(const QString& extension) const;
-    void loadEditorProfiles() const;
-    SettingControler& editor();
+    const ProfileParameter* parameterOfProfile(const QString& name) const;
 
     QWidget* owner_;
     std::unique_ptr<PanelWindow> window_;
-    OutputSettingsForm* form_ = nullptr; ///< the window's
-    std::unique_ptr<SettingControler> editor_;
+    OutputSettingsForm* form_ = nullptr;  ///< the window's
+    std::optional<ParameterBoxes> boxes_; ///< the form's
+    SettingEditing editing_;
     QString profileOnShow_; ///< whose choices the boxes hold
 };
 

@@ -1,5 +1,4 @@
 #include "AlertPanel.h"
-#include "ComboBox.h"
 #include "ConverterController.h"
 #include "ConverterInfo.h"
 #include "LeadingNumber.h"
@@ -16,16 +15,12 @@
 namespace velmora {
 
 void OutputSettingsPanel::getSetInfo() {
-    const auto& form = outlets();
     NodeSetting& setting = *currentSetting;
     setting.aEncoder = mAudioEncoder;
-    setting.aSamplerate = selectedItem(*form.mSampleRate);
-    setting.aBitrate = selectedItem(*form.mAudioQuality);
     setting.aChannels = mAudioChannels;
     setting.vEncoder = mVideoEncoder;
-    setting.vResolution = selectedItem(*form.mVideoSize);
-    setting.vBitrate = selectedItem(*form.mVideoQuality);
     setting.vFrameRate = chosenFrameRate();
+    boxes_->putInto(setting);
 }
 
 void OutputSettingsPanel::parseResolution(const QString& resolution) {
@@ -47,8 +42,9 @@ QString OutputSettingsPanel::composedPath(const QString& extension) const {
 }
 
 void OutputSettingsPanel::logChoices() const {
-    if (selectedRow() != kReencodeRow)
+    if (selectedRow() != kReencodeRow) {
         return;
+    }
     const auto& form = outlets();
     platformLog(QString("\nFormat:%1\nVideo Quality:%2\nVideo Size:%3\nFrame Rate:%4\n"
                         "Audio Quality:%5\nSample Rate:%6")
@@ -85,8 +81,9 @@ void OutputSettingsPanel::closePanel() {
 }
 
 void OutputSettingsPanel::createConverter() {
-    if (!converterController)
+    if (!converterController) {
         converterController = std::make_unique<ConverterController>(owner_);
+    }
 }
 
 void OutputSettingsPanel::showConverter(const ConverterInfo& job) {

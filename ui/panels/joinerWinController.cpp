@@ -44,14 +44,16 @@ void joinerWinController::mButStartJoin() {
         return;
     }
     takeOutput(job);
-    if (folder().isEmpty())
+    if (folder().isEmpty()) {
         return showPlainAlert("Please click browse button to select output first!");
+    }
     job.fullPath = mOutputFilename;
     const bool exists = CommonAction::fileExist(mOutputFilename);
     platformLog(QString("Joiner Output path:%1 exist:%2")
                     .arg(mOutputFilename, QString::number(exists ? 1 : 0)));
-    if (exists)
+    if (exists) {
         return showPlainAlert("File already exists! please rename file name!");
+    }
     closePanel();
     createConverter();
     showConverter(job);
