@@ -1,6 +1,7 @@
 #include "Job.h"
 
 #include "ConversionEngine.h"
+#include "Saturated.h"
 
 #include <algorithm>
 

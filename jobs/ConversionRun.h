@@ -15,6 +15,13 @@ struct Job;
 
 /// One run with its worker thread, from the request until its outcome has been taken. The engine
 /// carries out one at a time; RunQueue sees to that. Main thread.
+///
+/// It works on copies of the items and the setting, made when the user asks for it; results go into
+/// those items, also when the lists have been replaced since. The engine's tables are filled, and
+/// its stop flag cleared, on the main thread before the worker exists, so that no cancel is lost
+/// and a probe may write the same fields from then on. The counters are its own as soon as it has
+/// been started. The worker says when it has ended, so that a run which ends without going over all
+/// its inputs is told as failed.
 class ConversionRun {
 public:
     /// How far it is. A run waits, then runs, then has ended; a cancel makes a running one stop and

@@ -1,5 +1,7 @@
 #include "LeadingNumber.h"
 
+#include "Saturated.h"
+
 #include <QByteArray>
 
 #include <charconv>

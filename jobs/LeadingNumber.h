@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Saturated.h" // for those who go on counting with what they have read
-
 #include <QString>
 
 #include <cstdint>

@@ -1,12 +1,11 @@
 #include "TimeText.h"
 
-#include "LeadingNumber.h"
+#include "Saturated.h"
 
 #include <QByteArray>
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <string_view>
 #include <system_error>
@@ -16,7 +15,6 @@ namespace {
 
 constexpr std::int32_t kMostOfTwoDigits = 99;
 constexpr std::int32_t kMostMilliseconds = 999;
-constexpr double kLatestMs = 9.2e18; ///< 64 bits hold a little more
 
 bool isDigit(char character) {
     return character >= '0' && character <= '9';
@@ -69,10 +67,7 @@ std::optional<std::int32_t> parsedMilliseconds(const QString& text) {
 }
 
 std::int64_t toMilliseconds(float seconds) {
-    const double milliseconds = seconds * 1000.0;
-    return std::isnan(milliseconds)
-               ? 0
-               : static_cast<std::int64_t>(std::clamp(milliseconds, -kLatestMs, kLatestMs));
+    return truncatedTo64Bits(seconds * 1000.0);
 }
 
 float toSeconds(std::int64_t milliseconds) {

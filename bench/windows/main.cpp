@@ -107,8 +107,9 @@ int useEngine(const QString& file) {
 
 int scrub(const QString& file, int loads, int moves) {
     Windows windows;
-    for (int i = 0; i < loads; ++i)
+    for (int i = 0; i < loads; ++i) {
         windows.load(file);
+    }
     const double length = windows.controller().duration();
     std::cout << '[';
     for (int i = 0; i <= moves; ++i) {
@@ -124,8 +125,9 @@ int scrub(const QString& file, int loads, int moves) {
 long residentKiB() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
-        if (line.starts_with("VmRSS:"))
+        if (line.starts_with("VmRSS:")) {
             return std::stol(line.substr(6));
+        }
     }
     return 0;
 }
@@ -135,8 +137,9 @@ int memory(const QString& file) {
     std::cout << '[';
     for (int i = 1; i <= 100; ++i) {
         windows.load(file);
-        if (i == 10)
+        if (i == 10) {
             std::cout << residentKiB() << ", ";
+        }
     }
     std::cout << residentKiB() << "]\n";
     return 0;
@@ -146,16 +149,18 @@ int addToJoiner(const QStringList& files) {
     Windows windows;
     QElapsedTimer timer;
     timer.start();
-    for (const QString& file : files)
+    for (const QString& file : files) {
         windows.controller().joinerAddFile(file);
+    }
     std::cout << millisecondsOf(timer) << '\n';
     return 0;
 }
 
 int join(const QString& output, const QStringList& files) {
     Windows windows;
-    for (const QString& file : files)
+    for (const QString& file : files) {
         windows.controller().joinerAddFile(file);
+    }
     velmora::sharedFileList = velmora::joinerFileList;
     QElapsedTimer timer;
     timer.start();
@@ -177,23 +182,31 @@ int probeAll(const QStringList& files) {
 }
 
 int run(const QString& what, const QStringList& rest) {
-    if (what == "start")
+    if (what == "start") {
         return showMainWindow();
+    }
     velmora::mediaOperations().setLogSink([](const char*) {}); // loads them: not part of the rest
-    if (what == "load" && rest.size() == 1)
+    if (what == "load" && rest.size() == 1) {
         return load(rest[0]);
-    if (what == "engine" && rest.size() == 1)
+    }
+    if (what == "engine" && rest.size() == 1) {
         return useEngine(rest[0]);
-    if (what == "scrub" && rest.size() == 3)
+    }
+    if (what == "scrub" && rest.size() == 3) {
         return scrub(rest[0], rest[1].toInt(), rest[2].toInt());
-    if (what == "memory" && rest.size() == 1)
+    }
+    if (what == "memory" && rest.size() == 1) {
         return memory(rest[0]);
-    if (what == "add")
+    }
+    if (what == "add") {
         return addToJoiner(rest);
-    if (what == "join" && rest.size() > 1)
+    }
+    if (what == "join" && rest.size() > 1) {
         return join(rest[0], rest.mid(1));
-    if (what == "probe")
+    }
+    if (what == "probe") {
         return probeAll(rest);
+    }
     std::cerr << "velmora-windows: unusable arguments\n";
     return 2;
 }

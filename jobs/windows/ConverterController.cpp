@@ -180,10 +180,7 @@ void ConverterController::showTotal() {
     if (count > 0) {
         totleProgress_->setValue(std::clamp(index * 100 / count, 0, 100));
     }
-    const std::int32_t percent = engine().currentPercent;
-    if (percent >= 0 && percent <= 100) {
-        singleProgress_->setValue(percent);
-    }
+    singleProgress_->setValue(engine().currentPercent); // the bar leaves what is none alone
 }
 
 void ConverterController::showTime() {

@@ -1,13 +1,9 @@
 #include "ProgressWindow.h"
 
+#include "ProgramColours.h"
 #include "ui_ConverterFrom.h"
 
 namespace velmora {
-namespace {
-
-constexpr QColor kAccent(0x1F, 0x6F, 0xB2);
-
-} // namespace
 
 ProgressWindow::ProgressWindow(QWidget* owner)
     : PanelWindow(owner), outlets_(std::make_unique<Ui::ConverterFrom>()) {

@@ -23,7 +23,8 @@ extern std::shared_ptr<ProfileInfo> editorProfileStore;
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 /// The editor of the current setting: a modal window that offers the choices of the setting's
-/// profile for each of its eight parameters. Main thread.
+/// profile for each of its eight parameters. It cannot show that the cutter keeps the source's
+/// frame rate; a frame rate that the user leaves alone there therefore keeps it. Main thread.
 class SettingControler {
 public:
     SettingControler();

@@ -54,18 +54,21 @@ private:
 };
 
 std::uint64_t Layout::number(std::uint64_t place, std::uint64_t width) const {
-    if (width < 1 || width > 8 || place > size() || width > size() - place)
+    if (width < 1 || width > 8 || place > size() || width > size() - place) {
         return kInvalid;
+    }
     std::uint64_t value = 0;
-    for (std::uint64_t i = 0; i < width; ++i)
+    for (std::uint64_t i = 0; i < width; ++i) {
         value =
             value << 8U | static_cast<unsigned char>(content_[static_cast<qsizetype>(place + i)]);
+    }
     return value;
 }
 
 bool Layout::readTrailer() {
-    if (size() < kTrailerSize)
+    if (size() < kTrailerSize) {
         return false;
+    }
     const std::uint64_t trailer = size() - kTrailerSize;
     offsetWidth_ = number(trailer + 6, 1);
     referenceWidth_ = number(trailer + 7, 1);
@@ -76,12 +79,14 @@ bool Layout::readTrailer() {
 }
 
 bool Layout::readObject(std::uint64_t index, Object& object) const {
-    if (index >= objects_)
+    if (index >= objects_) {
         return false;
+    }
     const std::uint64_t place = number(offsets_ + index * offsetWidth_, offsetWidth_);
     const std::uint64_t marker = number(place, 1);
-    if (marker == kInvalid)
+    if (marker == kInvalid) {
         return false;
+    }
     object.kind = static_cast<int>(marker >> 4U);
     object.count = marker & 0xFU;
     object.content = place + 1;
@@ -97,16 +102,18 @@ bool Layout::readObject(std::uint64_t index, Object& object) const {
 bool Layout::holdItems(const Object& object) {
     const std::uint64_t items = object.kind == kDictionary ? 2 * object.count : object.count;
     for (std::uint64_t i = 0; i < items; ++i) {
-        if (!hold(number(object.content + i * referenceWidth_, referenceWidth_)))
+        if (!hold(number(object.content + i * referenceWidth_, referenceWidth_))) {
             return false;
+        }
     }
     return true;
 }
 
 bool Layout::hold(std::uint64_t index) {
     Object object;
-    if (!readObject(index, object))
+    if (!readObject(index, object)) {
         return false;
+    }
     memory_ += kMemoryOfNode + object.count * (object.kind == kUtf16Text ? 3 : 1);
     const bool again = isContainer(object) && isHeld_[index];
     isHeld_[index] = true;
@@ -114,15 +121,18 @@ bool Layout::hold(std::uint64_t index) {
 }
 
 bool Layout::isSafe() {
-    if (!readTrailer())
+    if (!readTrailer()) {
         return false;
+    }
     isHeld_.assign(objects_, false);
-    if (!hold(root_))
+    if (!hold(root_)) {
         return false;
+    }
     for (std::uint64_t index = 0; index < objects_; ++index) {
         Object object;
-        if (!readObject(index, object) || (isContainer(object) && !holdItems(object)))
+        if (!readObject(index, object) || (isContainer(object) && !holdItems(object))) {
             return false;
+        }
     }
     return true;
 }

@@ -15,8 +15,9 @@ QString Bundle::pathForResource(const QString& name, const QString& type,
     const QString installed = programFolder + "/../share/velmora/" + file;
     const QString compiledIn = ":/" + file;
     for (const QString& path : {installed, compiledIn}) {
-        if (QFileInfo(path).isFile())
+        if (QFileInfo(path).isFile()) {
             return path;
+        }
     }
     return {};
 }

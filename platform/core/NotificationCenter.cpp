@@ -19,8 +19,9 @@ void NotificationCenter::post(const QString& name, const QObject* object,
     // An observer may subscribe others while it is being called; those wait for the next post.
     const std::vector<Subscription> subscriptions = subscriptions_;
     for (const Subscription& subscription : subscriptions) {
-        if (subscription.name == name)
+        if (subscription.name == name) {
             subscription.observer(notification);
+        }
     }
 }
 

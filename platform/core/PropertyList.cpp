@@ -87,8 +87,9 @@ QVariantList Reader::listOf(plist_t array) {
         const Memory owner(created);
         plist_t item = nullptr;
         for (plist_array_next_item(array, created, &item); item != nullptr;
-             plist_array_next_item(array, created, &item))
+             plist_array_next_item(array, created, &item)) {
             list.append(valueOf(item));
+        }
     }
     --depth_;
     return list;
@@ -108,8 +109,9 @@ QVariantMap Reader::mapOf(plist_t dictionary) {
             plist_dict_next_item(dictionary, created, &key, &item);
             const Memory keyOwner(key);
             goesOn = key != nullptr && item != nullptr;
-            if (goesOn)
+            if (goesOn) {
                 map.insert(QString::fromUtf8(key), valueOf(item));
+            }
         }
     }
     --depth_;
@@ -118,8 +120,9 @@ QVariantMap Reader::mapOf(plist_t dictionary) {
 
 QByteArray contentOf(const QString& path) {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly)) {
         return {};
+    }
     QByteArray content = file.read(kMaxFileSize + 1);
     return content.size() <= kMaxFileSize ? content : QByteArray();
 }
@@ -130,8 +133,9 @@ QVariant readPropertyList(const QString& path) {
     const QByteArray content = contentOf(path);
     const auto size = static_cast<std::uint32_t>(content.size());
     if (size == 0 ||
-        (plist_is_binary(content.data(), size) != 0 && !isSafeBinaryPropertyList(content)))
+        (plist_is_binary(content.data(), size) != 0 && !isSafeBinaryPropertyList(content))) {
         return {};
+    }
     plist_t created = nullptr;
     plist_from_memory(content.data(), size, &created);
     const std::unique_ptr<void, FreeTree> root(created);

@@ -17,22 +17,26 @@ bool staysOnScreen(const QWindow& window) {
 
 /// The nearest window on screen that this one belongs to, or itself; null if there is none.
 QWindow* onScreen(QWindow* window) {
-    while (window && !staysOnScreen(*window))
+    while (window && !staysOnScreen(*window)) {
         window = window->transientParent();
+    }
     return window;
 }
 
 /// The window that the user looks at. The one with the focus may be a file panel that is just
 /// going away: then it is the one that the panel belongs to.
 QWindow* windowInUse() {
-    if (QWindow* const focused = onScreen(QGuiApplication::focusWindow()))
+    if (QWindow* const focused = onScreen(QGuiApplication::focusWindow())) {
         return focused;
-    if (const QWidget* const modal = modalWindow(); modal && modal->isVisible())
+    }
+    if (const QWidget* const modal = modalWindow(); modal && modal->isVisible()) {
         return modal->windowHandle();
+    }
     for (const QWidget* const window : QApplication::topLevelWidgets()) {
         QWindow* const handle = window->windowHandle();
-        if (!window->parentWidget() && handle && staysOnScreen(*handle))
+        if (!window->parentWidget() && handle && staysOnScreen(*handle)) {
             return handle;
+        }
     }
     return nullptr;
 }
@@ -41,8 +45,9 @@ QWindow* windowInUse() {
 /// may go away first, so it is no parent.
 void placeOverWindowInUse(QMessageBox& box) {
     QWindow* const inUse = windowInUse();
-    if (!inUse)
+    if (!inUse) {
         return;
+    }
     box.winId(); // makes the window handle
     box.windowHandle()->setTransientParent(inUse);
 }
@@ -59,10 +64,11 @@ int runAlertPanel(const QString& title, const QString& message, const QString& d
     box.setText(message);
     QPushButton* const accept = box.addButton(defaultButton, QMessageBox::AcceptRole);
     box.setDefaultButton(accept);
-    if (alternateButton.isEmpty())
+    if (alternateButton.isEmpty()) {
         box.setEscapeButton(accept);
-    else
+    } else {
         box.setEscapeButton(box.addButton(alternateButton, QMessageBox::RejectRole));
+    }
     placeOverWindowInUse(box);
     box.exec();
     return box.clickedButton() == accept ? AlertDefault : AlertAlternate;

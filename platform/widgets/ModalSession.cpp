@@ -62,8 +62,9 @@ public:
     }
 
     void stop() {
-        if (stopped_)
+        if (stopped_) {
             return;
+        }
         stopped_ = true;
         unblock();
         loop_.exit();
@@ -74,8 +75,9 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Hide && !event->spontaneous())
+        if (event->type() == QEvent::Hide && !event->spontaneous()) {
             stop();
+        }
         return QObject::eventFilter(watched, event);
     }
 
@@ -95,30 +97,35 @@ private:
     /// Qt hands the focus of a blocked window on to the window that blocks it. Here that is the
     /// barrier, which cannot have it.
     void takeFocusFrom(WId focused) {
-        if (blocks(focused))
+        if (blocks(focused)) {
             QMetaObject::invokeMethod(
                 this,
                 [this] {
-                    if (!stopped_)
+                    if (!stopped_) {
                         comeToTheFront();
+                    }
                 },
                 Qt::QueuedConnection);
+        }
     }
 
     bool blocks(WId focused) const {
         // Also false while a window with a modality of its own, such as an alert, is over this one.
-        if (stopped_ || QApplication::activeModalWidget() != &barrier_)
+        if (stopped_ || QApplication::activeModalWidget() != &barrier_) {
             return false;
+        }
         for (const QWindow* const window : QGuiApplication::topLevelWindows()) {
-            if (window->handle() && window->winId() == focused)
+            if (window->handle() && window->winId() == focused) {
                 return !barrier_.windowHandle()->isAncestorOf(window);
+            }
         }
         return false;
     }
 
     void unblock() {
-        if (handle_)
+        if (handle_) {
             handle_->setTransientParent(parentBefore_);
+        }
         barrier_.hide();
     }
 
@@ -138,15 +145,17 @@ void runModalForWindow(QWidget& window) {
 }
 
 void stopModal() {
-    if (!ModalSession::sessions().empty())
+    if (!ModalSession::sessions().empty()) {
         ModalSession::sessions().back()->stop();
+    }
 }
 
 QWidget* modalWindow() {
     const std::vector<ModalSession*>& all = ModalSession::sessions();
     for (auto session = all.rbegin(); session != all.rend(); ++session) {
-        if (!(*session)->isStopped())
+        if (!(*session)->isStopped()) {
             return (*session)->window();
+        }
     }
     return nullptr;
 }

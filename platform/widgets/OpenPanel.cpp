@@ -53,8 +53,9 @@ void callLater(QWidget& parent, std::function<void()> action) {
 
 void finish(const QFileDialog& panel, int result, const OpenPanelCompletion& completion) {
     QWidget& parent = *panel.parentWidget();
-    if (result != QDialog::Accepted)
+    if (result != QDialog::Accepted) {
         return callLater(parent, [completion] { completion(0, {}); });
+    }
     lastFolder() = panel.directory().absolutePath();
     callLater(parent, [completion, paths = panel.selectedFiles()] { completion(1, paths); });
 }

@@ -17,10 +17,11 @@ void PanelWindow::reject() {
 /// QDialog puts a window over its owner's middle each time it opens, also one that the user has
 /// moved; and one with a frame lower by its title than the first time.
 void PanelWindow::setVisible(bool visible) {
-    if (isVisible() && !visible)
+    if (isVisible() && !visible) {
         place_ = windowHandle()->framePosition();
-    else if (!isVisible() && visible && place_)
+    } else if (!isVisible() && visible && place_) {
         returnToPlace();
+    }
     QDialog::setVisible(visible);
 }
 
@@ -28,10 +29,11 @@ void PanelWindow::setVisible(bool visible) {
 /// it has heard of its frame; a new one takes it for that of its frame.
 void PanelWindow::returnToPlace() {
     destroy();
-    if (QGuiApplication::screenAt(*place_ + QPoint(width() / 2, 0)))
+    if (QGuiApplication::screenAt(*place_ + QPoint(width() / 2, 0))) {
         move(*place_);
-    else // the screen has gone, so QDialog is to find a place
+    } else { // the screen has gone, so QDialog is to find a place
         setAttribute(Qt::WA_Moved, false);
+    }
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

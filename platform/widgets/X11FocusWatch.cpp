@@ -9,7 +9,7 @@
 namespace velmora {
 namespace {
 
-constexpr unsigned sentByAClient = 0x80; ///< of an event's type
+constexpr unsigned kSentByAClient = 0x80; ///< of an event's type
 
 bool tellsOfTheWindowItself(const xcb_focus_in_event_t& event) {
     return event.mode != XCB_NOTIFY_MODE_GRAB && event.mode != XCB_NOTIFY_MODE_UNGRAB &&
@@ -28,11 +28,13 @@ X11FocusWatch::~X11FocusWatch() {
 
 bool X11FocusWatch::nativeEventFilter(const QByteArray& eventType, void* message,
                                       qintptr* /*result*/) {
-    if (eventType != "xcb_generic_event_t")
+    if (eventType != "xcb_generic_event_t") {
         return false;
+    }
     const auto& event = *static_cast<const xcb_focus_in_event_t*>(message);
-    if ((event.response_type & ~sentByAClient) == XCB_FOCUS_IN && tellsOfTheWindowItself(event))
+    if ((event.response_type & ~kSentByAClient) == XCB_FOCUS_IN && tellsOfTheWindowItself(event)) {
         focused_(event.event);
+    }
     return false;
 }
 

@@ -14,8 +14,9 @@
 
 inline void velmoraRecordMutant(const char* file, std::size_t number) {
     static std::array<std::atomic<bool>, 10'000> recorded;
-    if (recorded.at(number).exchange(true))
+    if (recorded.at(number).exchange(true)) {
         return;
+    }
     const int savedErrno = errno;
     const int descriptor = open(file, O_WRONLY | O_APPEND | O_CLOEXEC);
     const std::string line = std::to_string(number) + '\n';
@@ -29,7 +30,8 @@ inline bool velmoraMutant(std::size_t number) {
     static const char* const record = std::getenv("VELMORA_MUTANT_RECORD");
     static const char* const chosen = std::getenv("VELMORA_MUTANT");
     static const std::size_t active = chosen ? std::strtoul(chosen, nullptr, 10) : 0;
-    if (record)
+    if (record) {
         velmoraRecordMutant(record, number);
+    }
     return number == active;
 }

@@ -28,7 +28,7 @@ struct Layout {
 
 class AllocPicture : public ::testing::TestWithParam<Layout> {};
 
-TEST_P(AllocPicture, Planes_follow_each_other_without_padding) {
+TEST_P(AllocPicture, planes_followEachOtherWithoutPadding) {
     const auto [format, width, height] = GetParam();
     const PictureHandle picture = ConversionEngine::allocPicture(format, width, height);
 
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
                           std::to_string(layout.width) + "x" + std::to_string(layout.height));
     });
 
-TEST(AllocPictureFailure, BadSize_gives_null) {
+TEST(AllocPictureFailure, badSize_givesNull) {
     av_log_set_level(AV_LOG_QUIET);
     EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, 0, 240), nullptr);
     EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_YUV420P, 320, 0), nullptr);
@@ -71,7 +71,7 @@ TEST(AllocPictureFailure, BadSize_gives_null) {
     av_log_set_level(AV_LOG_INFO);
 }
 
-TEST(AllocPictureFailure, UnknownPixelFormat_gives_null) {
+TEST(AllocPictureFailure, unknownPixelFormat_givesNull) {
     EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_NONE, 320, 240), nullptr);
     EXPECT_EQ(ConversionEngine::allocPicture(AV_PIX_FMT_NB, 320, 240), nullptr);
 }

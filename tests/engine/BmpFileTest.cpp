@@ -43,7 +43,7 @@ void writeSomePicture(const std::string& path, int width = 4, int height = 3) {
     ConversionEngine::writeBmp(pixels.data(), path, width, height);
 }
 
-TEST_F(WriteBmp, Header_is_right_in_every_byte) {
+TEST_F(WriteBmp, header_isRightInEveryByte) {
     const TemporaryFolder folder;
     Bytes pixels(std::size_t{3} * 320 * 240);
     ConversionEngine::writeBmp(pixels.data(), folder / "picture.bmp", 320, 240);
@@ -72,7 +72,7 @@ TEST_F(WriteBmp, Header_is_right_in_every_byte) {
     EXPECT_EQ(header, expected);
 }
 
-TEST_F(WriteBmp, Rows_are_stored_from_the_bottom_up) {
+TEST_F(WriteBmp, rows_areStoredFromTheBottomUp) {
     const TemporaryFolder folder;
     Bytes pixels = somePixels(4, 3);
     const Bytes expected = bmpFileOf(pixels, 4, 3);
@@ -80,7 +80,7 @@ TEST_F(WriteBmp, Rows_are_stored_from_the_bottom_up) {
     EXPECT_EQ(readFile(folder / "picture.bmp"), expected);
 }
 
-TEST_F(WriteBmp, Rows_are_flipped_in_the_buffer_too) {
+TEST_F(WriteBmp, rows_areFlippedInTheBufferToo) {
     const TemporaryFolder folder;
     for (const int height : {1, 2, 3, 4, 7}) {
         Bytes pixels = somePixels(4, height);
@@ -99,7 +99,7 @@ struct Size {
 
 class WriteBmpOfSize : public ::testing::TestWithParam<Size> {};
 
-TEST_P(WriteBmpOfSize, WidthThatWouldNeedPadding_only_the_header_counts_it) {
+TEST_P(WriteBmpOfSize, widthThatWouldNeedPadding_onlyTheHeaderCountsIt) {
     const auto [width, height, imageBytes] = GetParam();
     const TemporaryFolder folder;
     Bytes pixels = somePixels(width, height);
@@ -126,33 +126,33 @@ INSTANTIATE_TEST_SUITE_P(Sizes, WriteBmpOfSize,
                                     std::to_string(tested.param.height);
                          });
 
-TEST_F(WriteBmp, PictureWithoutPixels_is_a_header) {
+TEST_F(WriteBmp, pictureWithoutPixels_isAHeader) {
     const TemporaryFolder folder;
     ConversionEngine::writeBmp(nullptr, folder / "picture.bmp", 0, 0);
     EXPECT_EQ(readFile(folder / "picture.bmp"), bmpFileOf({}, 0, 0));
 }
 
-TEST_F(WriteBmp, BillionsOfRowsWithoutPixels_are_a_header) {
+TEST_F(WriteBmp, billionsOfRowsWithoutPixels_areAHeader) {
     const TemporaryFolder folder;
     ConversionEngine::writeBmp(nullptr, folder / "picture.bmp", 0, 2'000'000'000);
     EXPECT_EQ(readFile(folder / "picture.bmp").size(), 54U);
 }
 
-TEST_F(WriteBmp, NegativeSize_writes_nothing) {
+TEST_F(WriteBmp, negativeSize_writesNothing) {
     const TemporaryFolder folder;
     ConversionEngine::writeBmp(nullptr, folder / "picture.bmp", -4, 3);
     ConversionEngine::writeBmp(nullptr, folder / "picture.bmp", 4, -3);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST_F(WriteBmp, LargerFile_is_replaced_as_a_whole) {
+TEST_F(WriteBmp, largerFile_isReplacedAsAWhole) {
     const TemporaryFolder folder;
     writeFile(folder / "picture.bmp", Bytes(1000, 0xEE));
     writeSomePicture(folder / "picture.bmp");
     EXPECT_EQ(readFile(folder / "picture.bmp").size(), 54U + 36U);
 }
 
-TEST_F(WriteBmp, NewFile_is_for_its_owner_only) {
+TEST_F(WriteBmp, newFile_isForItsOwnerOnly) {
     const TemporaryFolder folder;
     writeSomePicture(folder / "picture.bmp");
     EXPECT_EQ(fs::status(folder / "picture.bmp").permissions() &
@@ -160,7 +160,7 @@ TEST_F(WriteBmp, NewFile_is_for_its_owner_only) {
               fs::perms::none);
 }
 
-TEST_F(WriteBmp, PathThatCannotBe_writes_nothing) {
+TEST_F(WriteBmp, pathThatCannotBe_writesNothing) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "kept");
     writeSomePicture(folder / "missing/picture.bmp");
@@ -174,7 +174,7 @@ TEST_F(WriteBmp, PathThatCannotBe_writes_nothing) {
 // The place of the preview is known to all users of the machine: what another one may have put
 // there is left alone.
 
-TEST_F(WriteBmp, SymbolicLink_is_not_followed) {
+TEST_F(WriteBmp, symbolicLink_isNotFollowed) {
     const TemporaryFolder folder;
     writeFile(folder / "precious", "kept");
     fs::create_symlink("precious", folder / "picture.bmp");
@@ -183,7 +183,7 @@ TEST_F(WriteBmp, SymbolicLink_is_not_followed) {
     EXPECT_EQ(readFile(folder / "precious").size(), 4U);
 }
 
-TEST_F(WriteBmp, DanglingLink_makes_no_file) {
+TEST_F(WriteBmp, danglingLink_makesNoFile) {
     const TemporaryFolder folder;
     fs::create_symlink("nothing", folder / "picture.bmp");
     writeSomePicture(folder / "picture.bmp");
@@ -191,7 +191,7 @@ TEST_F(WriteBmp, DanglingLink_makes_no_file) {
     EXPECT_FALSE(fs::exists(folder / "nothing"));
 }
 
-TEST_F(WriteBmp, FileWithAnotherName_is_kept) {
+TEST_F(WriteBmp, fileWithAnotherName_isKept) {
     const TemporaryFolder folder;
     writeFile(folder / "precious", "kept");
     fs::create_hard_link(folder / "precious", folder / "picture.bmp");
@@ -199,7 +199,7 @@ TEST_F(WriteBmp, FileWithAnotherName_is_kept) {
     EXPECT_EQ(readFile(folder / "precious").size(), 4U);
 }
 
-TEST_F(WriteBmp, Pipe_is_not_waited_for) {
+TEST_F(WriteBmp, pipe_isNotWaitedFor) {
     const TemporaryFolder folder;
     const std::string pipe = folder / "picture.bmp";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -207,14 +207,14 @@ TEST_F(WriteBmp, Pipe_is_not_waited_for) {
     EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
-TEST_F(WriteBmp, Directory_is_left_alone) {
+TEST_F(WriteBmp, directory_isLeftAlone) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "picture.bmp");
     writeSomePicture(folder / "picture.bmp");
     EXPECT_TRUE(fs::is_empty(folder / "picture.bmp"));
 }
 
-TEST_F(WriteBmp, FileOfAnotherUser_is_kept) {
+TEST_F(WriteBmp, fileOfAnotherUser_isKept) {
     if (geteuid() != 0) {
         GTEST_SKIP() << "only the superuser can give a file away";
     }
@@ -226,7 +226,7 @@ TEST_F(WriteBmp, FileOfAnotherUser_is_kept) {
     EXPECT_EQ(readFile(path).size(), 4U);
 }
 
-TEST_F(WriteBmp, Any_leaves_no_descriptor_open) {
+TEST_F(WriteBmp, any_leavesNoDescriptorOpen) {
     const TemporaryFolder folder;
     fs::create_symlink("nothing", folder / "link");
     writeFile(folder / "file", "kept");
@@ -249,7 +249,7 @@ FrameHandle greyPicture(int width, int height, std::uint8_t level) {
     return picture;
 }
 
-TEST_F(ScaleToBmp, OneColour_fills_a_picture_of_the_size_asked_for) {
+TEST_F(ScaleToBmp, oneColour_fillsAPictureOfTheSizeAskedFor) {
     const TemporaryFolder folder;
     const CodecContextHandle decoder(avcodec_alloc_context3(nullptr));
     const FrameHandle picture = greyPicture(64, 48, 255);
@@ -258,7 +258,7 @@ TEST_F(ScaleToBmp, OneColour_fills_a_picture_of_the_size_asked_for) {
               bmpFileOf(Bytes(std::size_t{3} * 32 * 16, 255), 32, 16));
 }
 
-TEST_F(ScaleToBmp, PictureWithoutSize_writes_nothing) {
+TEST_F(ScaleToBmp, pictureWithoutSize_writesNothing) {
     const TemporaryFolder folder;
     const CodecContextHandle decoder(avcodec_alloc_context3(nullptr));
     const FrameHandle picture(av_frame_alloc());

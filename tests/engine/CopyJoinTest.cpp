@@ -74,17 +74,17 @@ protected:
     Source reordered_{h264With(3)};
 };
 
-TEST_P(CopyMixed, ReorderedInput_after_one_that_is_not_is_shown_in_order) {
+TEST_P(CopyMixed, reorderedInput_afterOneThatIsNotIsShownInOrder) {
     const std::vector<const Source*> sources{&plain_, &reordered_};
     expectAllShown(joined(sources), sources);
 }
 
-TEST_P(CopyMixed, ReorderedInput_between_two_that_are_not_is_shown_in_order) {
+TEST_P(CopyMixed, reorderedInput_betweenTwoThatAreNotIsShownInOrder) {
     const std::vector<const Source*> sources{&plain_, &reordered_, &plain_};
     expectAllShown(joined(sources), sources);
 }
 
-TEST_P(CopyMixed, InputThatIsNotReordered_after_one_that_is_follows_without_a_gap) {
+TEST_P(CopyMixed, inputThatIsNotReordered_afterOneThatIsFollowsWithoutAGap) {
     const std::vector<const Source*> sources{&reordered_, &plain_};
     const StreamFacts video = joined(sources);
     expectAllShown(video, sources);
@@ -93,7 +93,7 @@ TEST_P(CopyMixed, InputThatIsNotReordered_after_one_that_is_follows_without_a_ga
     }
 }
 
-TEST_P(CopyMixed, InputThatIsNotReordered_between_two_that_are_fails_none) {
+TEST_P(CopyMixed, inputThatIsNotReordered_betweenTwoThatAreFailsNone) {
     const std::vector<const Source*> sources{&reordered_, &plain_, &reordered_};
     const StreamFacts video = joined(sources);
     expectAllShown(video, sources);
@@ -107,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(Containers, CopyMixed, Values("mp4", "mkv", "ts", "flv"
 
 class CopyJoin : public JobTest {};
 
-TEST_F(CopyJoin, InputsOfTwoContainers_are_copied_in_full) {
+TEST_F(CopyJoin, inputsOfTwoContainers_areCopiedInFull) {
     const Source first(h264With(3, "mp4"));
     const Source second(h264With(3, "mkv"));
     const std::string output = folder_ / "out.mp4";
@@ -133,13 +133,13 @@ protected:
     std::string output_ = folder_ / ("out." + GetParam());
 };
 
-TEST_P(CopyJumpingTime, Cut_of_everything_numbers_on) {
+TEST_P(CopyJumpingTime, cut_ofEverythingNumbersOn) {
     EXPECT_EQ(cut(jumping(), 0, 100'000, output_).states, std::vector{1});
 
     expectVideo(output_, {wholeOf(source_), wholeOf(source_)});
 }
 
-TEST_P(CopyJumpingTime, Join_numbers_on) {
+TEST_P(CopyJumpingTime, join_numbersOn) {
     EXPECT_EQ(join({source_.path, jumping()}, output_).states, (std::vector{1, 1}));
 
     expectVideo(output_, {wholeOf(source_), wholeOf(source_), wholeOf(source_)});

@@ -12,7 +12,7 @@
 namespace velmora::test {
 namespace {
 
-TEST_F(Copy, CutOfOpenGroup_keeps_every_packet_in_place) {
+TEST_F(Copy, cutOfOpenGroup_keepsEveryPacketInPlace) {
     const Source source(mediaPath("h264-open-gop.mp4"));
     const std::string output = folder_ / "out.mp4";
 
@@ -22,7 +22,7 @@ TEST_F(Copy, CutOfOpenGroup_keeps_every_packet_in_place) {
 }
 
 // Nothing in such a file tells in which order its pictures are shown.
-TEST_F(Copy, ReorderedH264InAvi_keeps_the_order_of_coding) {
+TEST_F(Copy, reorderedH264InAvi_keepsTheOrderOfCoding) {
     const Source source(mediaMadeBy("-i @h264-bframes.avi -c copy -an", "reordered.avi"));
     const std::string output = folder_ / "out.avi";
 
@@ -92,7 +92,7 @@ std::size_t usabilityBit(const Bytes& content) {
 }
 
 // Many encoders do not tell; then only the pictures do.
-TEST_F(Copy, UndeclaredReordering_is_found_and_kept) {
+TEST_F(Copy, undeclaredReordering_isFoundAndKept) {
     for (const char* name : {"h264-bframes.mp4", "h264-bframes.flv", "h264-bframes.mkv"}) {
         const std::string silent = copyOfMedia(name, folder_);
         Bytes content = readFile(silent);

@@ -109,7 +109,7 @@ protected:
     std::string output_ = folder_ / ("out." + extension_);
 };
 
-TEST_P(CopySound, Join_continues_by_the_samples_of_each_packet_and_decodes) {
+TEST_P(CopySound, join_continuesByTheSamplesOfEachPacketAndDecodes) {
     const JobResult result = join({source_, source_}, output_);
 
     EXPECT_EQ(result.states, (std::vector{1, 1}));
@@ -157,7 +157,7 @@ INSTANTIATE_TEST_SUITE_P(Wma, CopySound, Combine(Values(kWma), Values("mkv", "av
 
 class CopyLosslessSound : public JobTest, public testing::WithParamInterface<Sound> {};
 
-TEST_P(CopyLosslessSound, Join_keeps_every_sample) {
+TEST_P(CopyLosslessSound, join_keepsEverySample) {
     const std::string source = videoFile(GetParam(), "mkv");
     const std::string output = folder_ / "out.mkv";
 
@@ -175,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(Sounds, CopyLosslessSound, Values(kFlac, kPcm), nameOfS
 
 class CopySoundCut : public JobTest, public testing::WithParamInterface<Sound> {};
 
-TEST_P(CopySoundCut, Packets_follow_each_other_from_about_the_start) {
+TEST_P(CopySoundCut, packets_followEachOtherFromAboutTheStart) {
     const std::string path = videoFile(GetParam(), "mkv");
     const std::string output = folder_ / "out.mkv";
 
@@ -202,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(Sounds, CopySoundCut,
 class CopySoundOfAvi : public JobTest {};
 
 // A packet may have any size, whatever the old container said of it.
-TEST_F(CopySoundOfAvi, AacInAvi_keeps_its_times) {
+TEST_F(CopySoundOfAvi, aacInAvi_keepsItsTimes) {
     const std::string source = mediaPath("h264-bframes.avi");
     const std::string output = folder_ / "out.avi";
 
@@ -277,11 +277,11 @@ protected:
     }
 };
 
-TEST_F(CopySpeech, NarrowBand_keeps_its_packets_and_their_size) {
+TEST_F(CopySpeech, narrowBand_keepsItsPacketsAndTheirSize) {
     expectCopied(film("#!AMR\n", 0x3c, 31), 160, 8000);
 }
 
-TEST_F(CopySpeech, WideBand_keeps_its_packets_and_their_size) {
+TEST_F(CopySpeech, wideBand_keepsItsPacketsAndTheirSize) {
     expectCopied(film("#!AMR-WB\n", 0x44, 60), 320, 16000);
 }
 

@@ -37,7 +37,7 @@ const std::vector<std::string> kVideoAndAudio{"video", "audio"};
 
 class CopyTagged : public CopyStreams, public testing::WithParamInterface<std::string> {};
 
-TEST_P(CopyTagged, AspectColourLanguageAndTitle_travel_along) {
+TEST_P(CopyTagged, aspectColourLanguageAndTitle_travelAlong) {
     const json facts = factsOfCutMedia("tagged-upright.mp4", "out." + GetParam());
 
     const json& video = facts.at("streams").at(0);
@@ -56,7 +56,7 @@ TEST_P(CopyTagged, AspectColourLanguageAndTitle_travel_along) {
 INSTANTIATE_TEST_SUITE_P(Containers, CopyTagged, Values("mp4", "mov", "mkv"),
                          [](const auto& parameter) { return parameter.param; });
 
-TEST_F(CopyStreams, DisplayMatrix_travels_along) {
+TEST_F(CopyStreams, displayMatrix_travelsAlong) {
     const json source = streamOf(mediaPath("tagged-rotated.mp4"), "v:0").fields;
     for (const char* name : {"out.mp4", "out.mov"}) {
         const json facts = factsOfCutMedia("tagged-rotated.mp4", name);
@@ -66,7 +66,7 @@ TEST_F(CopyStreams, DisplayMatrix_travels_along) {
     }
 }
 
-TEST_F(CopyStreams, TagsOfTheOldContainer_stay_behind) {
+TEST_F(CopyStreams, tagsOfTheOldContainer_stayBehind) {
     const json facts = factsOfCutMedia("tagged-upright.mp4", "out.mkv");
 
     const json& tags = facts.at("format").at("tags");
@@ -75,12 +75,12 @@ TEST_F(CopyStreams, TagsOfTheOldContainer_stay_behind) {
     EXPECT_FALSE(tags.contains("COMPATIBLE_BRANDS"));
 }
 
-TEST_F(CopyStreams, Subtitles_are_dropped) {
+TEST_F(CopyStreams, subtitles_areDropped) {
     EXPECT_EQ(typesOf(factsOfCutMedia("subtitles.mkv", "out.mkv")), kVideoAndAudio);
     EXPECT_EQ(typesOf(factsOfCutMedia("subtitles.mp4", "out.mp4")), kVideoAndAudio);
 }
 
-TEST_F(CopyStreams, TimeCodeTrack_is_dropped) {
+TEST_F(CopyStreams, timeCodeTrack_isDropped) {
     const std::string input =
         mediaMadeBy("-i @h264.mp4 -c copy -timecode 01:00:00:00", "timecode.mov");
     ASSERT_EQ(ffprobeJson(input, {"-show_streams"}).at("streams").size(), 3U);
@@ -88,7 +88,7 @@ TEST_F(CopyStreams, TimeCodeTrack_is_dropped) {
     EXPECT_EQ(typesOf(factsOfCut(input, "out.mov")), kVideoAndAudio);
 }
 
-TEST_F(CopyStreams, OfSeveralStreams_the_last_of_each_kind_is_copied) {
+TEST_F(CopyStreams, ofSeveralStreams_theLastOfEachKindIsCopied) {
     const json facts = factsOfCutMedia("two-streams.mkv", "out.mkv");
 
     ASSERT_EQ(typesOf(facts), kVideoAndAudio);
@@ -98,7 +98,7 @@ TEST_F(CopyStreams, OfSeveralStreams_the_last_of_each_kind_is_copied) {
     EXPECT_EQ(facts.at("streams").at(1).at("tags").value("language", ""), "fra");
 }
 
-TEST_F(CopyStreams, OfTwoStreamsOfOneCodec_only_the_last_is_read) {
+TEST_F(CopyStreams, ofTwoStreamsOfOneCodec_onlyTheLastIsRead) {
     const std::string input = mediaPath("two-h264.mp4");
     const std::string output = folder_ / "out.mp4";
 
@@ -112,7 +112,7 @@ TEST_F(CopyStreams, OfTwoStreamsOfOneCodec_only_the_last_is_read) {
     }
 }
 
-TEST_F(CopyStreams, CoverArt_is_not_copied) {
+TEST_F(CopyStreams, coverArt_isNotCopied) {
     const json facts = factsOfCutMedia("cover.mp4", "out.mp4");
 
     ASSERT_EQ(typesOf(facts), kVideoAndAudio);
@@ -131,7 +131,7 @@ void PrintTo(const CodecTag& tag, std::ostream* out) {
 
 class CopyCodecTag : public CopyStreams, public testing::WithParamInterface<CodecTag> {};
 
-TEST_P(CopyCodecTag, Is_one_that_the_new_container_knows) {
+TEST_P(CopyCodecTag, is_oneThatTheNewContainerKnows) {
     const json facts = factsOfCutMedia(GetParam().media, "out." + GetParam().extension);
 
     EXPECT_EQ(facts.at("streams").at(0).at("codec_tag_string"), GetParam().tag);
@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
         return asTestName(parameter.param.media) + "_to_" + parameter.param.extension;
     });
 
-TEST_F(CopyStreams, CodecTag_of_avi_does_not_reach_matroska) {
+TEST_F(CopyStreams, codecTag_ofAviDoesNotReachMatroska) {
     const json facts = factsOfCutMedia("mpeg4.avi", "out.mkv");
 
     EXPECT_EQ(facts.at("streams").at(0).at("codec_name"), "mpeg4");
@@ -157,7 +157,7 @@ TEST_F(CopyStreams, CodecTag_of_avi_does_not_reach_matroska) {
 }
 
 // This container tells the bit rate that it was given.
-TEST_F(CopyStreams, UnknownBitRate_becomes_three_megabits) {
+TEST_F(CopyStreams, unknownBitRate_becomesThreeMegabits) {
     const std::string source = mediaMadeBy("-i @h264.flv -c copy", "h264.mkv");
     ASSERT_FALSE(streamOf(source, "v:0").fields.contains("bit_rate"));
 
@@ -166,7 +166,7 @@ TEST_F(CopyStreams, UnknownBitRate_becomes_three_megabits) {
     EXPECT_EQ(facts.at("streams").at(0).at("bit_rate"), "3000000");
 }
 
-TEST_F(CopyStreams, KnownBitRate_is_kept) {
+TEST_F(CopyStreams, knownBitRate_isKept) {
     const std::string known = streamOf(mediaPath("h264.mp4"), "v:0").fields.at("bit_rate");
 
     const json facts = factsOfCutMedia("h264.mp4", "out.flv");

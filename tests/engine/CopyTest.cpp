@@ -50,7 +50,7 @@ protected:
     Source source_{sourceOf(std::get<0>(GetParam()), std::get<1>(GetParam()))};
 };
 
-TEST_P(CopyMatrix, Cut_copies_from_the_key_picture_for_the_length_of_the_span) {
+TEST_P(CopyMatrix, cut_copiesFromTheKeyPictureForTheLengthOfTheSpan) {
     const JobResult result = cut(source_.path, 1500, 2500, output_);
 
     EXPECT_EQ(result.states, std::vector{1});
@@ -58,7 +58,7 @@ TEST_P(CopyMatrix, Cut_copies_from_the_key_picture_for_the_length_of_the_span) {
     expectVideo(output_, {{&source_, source_.keyBefore(1.5), 25}});
 }
 
-TEST_P(CopyMatrix, Join_copies_every_packet_of_all_inputs_without_a_gap) {
+TEST_P(CopyMatrix, join_copiesEveryPacketOfAllInputsWithoutAGap) {
     const JobResult result = join({source_.path, source_.path, source_.path}, output_);
 
     EXPECT_EQ(result.states, (std::vector{1, 1, 1}));
@@ -87,7 +87,7 @@ INSTANTIATE_TEST_SUITE_P(Hevc, CopyMatrix,
 /// Containers that do not take the codec, or of which nobody could tell it again.
 class CopyRefused : public CopyMatrix {};
 
-TEST_P(CopyRefused, Input_fails_and_no_output_is_left) {
+TEST_P(CopyRefused, input_failsAndNoOutputIsLeft) {
     const JobResult result = join({source_.path, source_.path}, output_);
 
     EXPECT_EQ(result.states, (std::vector{2, 2}));
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(Hevc, CopyRefused,
 /// Sources as they are, joined into a container of the same kind.
 class CopyOwnContainer : public JobTest, public testing::WithParamInterface<std::string> {};
 
-TEST_P(CopyOwnContainer, Join_copies_every_packet_of_all_inputs_without_a_gap) {
+TEST_P(CopyOwnContainer, join_copiesEveryPacketOfAllInputsWithoutAGap) {
     const Source source(mediaPath(GetParam()));
     const std::string output =
         folder_ / ("out" + std::filesystem::path(GetParam()).extension().string());
@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(Media, CopyOwnContainer,
 
 class CopyOwnContainerCut : public CopyOwnContainer {};
 
-TEST_P(CopyOwnContainerCut, Begins_at_a_key_picture_before_the_start_and_keeps_the_order) {
+TEST_P(CopyOwnContainerCut, begins_atAKeyPictureBeforeTheStartAndKeepsTheOrder) {
     const Source source(mediaPath(GetParam()));
     const std::string output =
         folder_ / ("out" + std::filesystem::path(GetParam()).extension().string());
@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(Media, CopyOwnContainerCut,
 class CopyRates : public JobTest,
                   public testing::WithParamInterface<std::tuple<std::string, std::string>> {};
 
-TEST_P(CopyRates, Every_packet_lasts_exactly_one_frame) {
+TEST_P(CopyRates, every_packetLastsExactlyOneFrame) {
     const auto& [rate, extension] = GetParam();
     const Source source(mediaMadeBy("-f lavfi -i testsrc2=size=64x36:duration=30:rate=" + rate +
                                         " -pix_fmt yuv420p -c:v libx264 -preset ultrafast -bf 2",
@@ -171,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(Rates, CopyRates,
                                     std::get<1>(parameter.param);
                          });
 
-TEST_F(Copy, Span_between_two_frames_ends_with_the_frame_that_reaches_it) {
+TEST_F(Copy, span_betweenTwoFramesEndsWithTheFrameThatReachesIt) {
     const Source source(mediaPath("h264-2997.mp4"));
     for (const char* name : {"out.mp4", "out.mkv", "out.ts"}) {
         for (const float endMs : {1.0F, 33.0F, 34.0F, 100.0F, 1001.0F, 1002.0F, 2500.0F}) {
@@ -187,7 +187,7 @@ TEST_F(Copy, Span_between_two_frames_ends_with_the_frame_that_reaches_it) {
     }
 }
 
-TEST_F(Copy, CutStart_anywhere_begins_with_the_key_picture_at_or_before_it) {
+TEST_F(Copy, cutStart_anywhereBeginsWithTheKeyPictureAtOrBeforeIt) {
     const Source source(sourceOf(kH264Reordered, "mp4"));
     const std::string output = folder_ / "out.mp4";
     // The key pictures are shown at 0, 1 and 2 s; the decoder needs them 80 ms before.
@@ -201,7 +201,7 @@ TEST_F(Copy, CutStart_anywhere_begins_with_the_key_picture_at_or_before_it) {
     }
 }
 
-TEST_F(Copy, CutByBytes_keeps_every_packet_in_place) {
+TEST_F(Copy, cutByBytes_keepsEveryPacketInPlace) {
     const Source source(mediaPath("h264-bframes.ts"));
     const std::string output = folder_ / "out.ts";
 

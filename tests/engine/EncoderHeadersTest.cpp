@@ -23,7 +23,7 @@ void PrintTo(const Container& container, std::ostream* out) {
 
 class EncoderHeaders : public Reencode, public testing::WithParamInterface<Container> {};
 
-TEST_P(EncoderHeaders, Headers_stand_apart_where_the_container_wants_them) {
+TEST_P(EncoderHeaders, headers_standApartWhereTheContainerWantsThem) {
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);
     std::atomic<int> sound{-1};
     std::atomic<int> pictures{-1};

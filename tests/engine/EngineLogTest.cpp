@@ -29,23 +29,23 @@ protected:
     ~EngineLogTest() override { setLogSink(nullptr); }
 };
 
-TEST_F(EngineLogTest, lineOfTheLibraries_is_passed_on_as_one_text) {
+TEST_F(EngineLogTest, lineOfTheLibraries_isPassedOnAsOneText) {
     av_log(nullptr, AV_LOG_ERROR, "%s at %d\n", "unexpected end", 42);
     EXPECT_EQ(lines(), std::vector<std::string>{"unexpected end at 42\n"});
 }
 
-TEST_F(EngineLogTest, lineBelowTheLibrariesLevel_is_dropped) {
+TEST_F(EngineLogTest, lineBelowTheLibrariesLevel_isDropped) {
     av_log(nullptr, AV_LOG_DEBUG, "too much\n");
     EXPECT_TRUE(lines().empty());
 }
 
-TEST_F(EngineLogTest, veryLongLine_is_cut_off) {
+TEST_F(EngineLogTest, veryLongLine_isCutOff) {
     av_log(nullptr, AV_LOG_ERROR, "%s", std::string(5000, 'x').c_str());
     ASSERT_EQ(lines().size(), 1U);
     EXPECT_EQ(lines()[0], std::string(1023, 'x'));
 }
 
-TEST_F(EngineLogTest, fileThatCannotBeOpened_is_named_with_the_systems_reason) {
+TEST_F(EngineLogTest, fileThatCannotBeOpened_isNamedWithTheSystemsReason) {
     ConversionEngine& engine = ConversionEngine::instance();
     engine.probePath = "/no/such/film.mp4";
     EXPECT_EQ(engine.probe(), -1);

@@ -70,15 +70,15 @@ protected:
     }
 };
 
-TEST_F(Engine, FirstUse_fields_have_their_initial_values) {
+TEST_F(Engine, firstUse_fieldsHaveTheirInitialValues) {
     EXPECT_EQ(kFirstUse->seen, kFirst);
 }
 
-TEST_F(Engine, AnotherCallOfInstance_gives_the_same_engine) {
+TEST_F(Engine, anotherCallOfInstance_givesTheSameEngine) {
     EXPECT_EQ(&ConversionEngine::instance(), &ConversionEngine::instance());
 }
 
-TEST_F(Engine, Reset_puts_paths_indexes_and_counters_back) {
+TEST_F(Engine, reset_putsPathsIndexesAndCountersBack) {
     engine().probePath = "/some/file.mp4";
     engine().videoStreamIndex = 3;
     engine().audioStreamIndex = 4;
@@ -91,7 +91,7 @@ TEST_F(Engine, Reset_puts_paths_indexes_and_counters_back) {
     EXPECT_EQ(resetState(), kFirst);
 }
 
-TEST_F(Engine, Reset_leaves_settings_as_they_are) {
+TEST_F(Engine, reset_leavesSettingsAsTheyAre) {
     engine().videoCodecId = 1;
     engine().audioCodecId = 2;
     engine().videoBitRate = 3;
@@ -115,7 +115,7 @@ TEST_F(Engine, Reset_leaves_settings_as_they_are) {
     EXPECT_EQ(engine().audioChannels, 8);
 }
 
-TEST_F(Engine, Reset_leaves_job_table_and_modes_as_they_are) {
+TEST_F(Engine, reset_leavesJobTableAndModesAsTheyAre) {
     engine().inputCount = 2;
     engine().jobCount = 3;
     engine().inputPaths = {"a", "b"};
@@ -145,7 +145,7 @@ TEST_F(Engine, Reset_leaves_job_table_and_modes_as_they_are) {
     EXPECT_EQ(engine().videoCodecChosen, 1);
 }
 
-TEST_F(Engine, Tables_have_room_for_999_inputs_and_1000_states) {
+TEST_F(Engine, tables_haveRoomFor999InputsAnd1000States) {
     EXPECT_EQ(engine().startTimes.size(), 999U);
     EXPECT_EQ(engine().endTimes.size(), 999U);
     EXPECT_EQ(engine().spans.size(), 999U);
@@ -153,14 +153,14 @@ TEST_F(Engine, Tables_have_room_for_999_inputs_and_1000_states) {
     EXPECT_EQ(ConversionEngine::kMaxInputs, 999U);
 }
 
-TEST_F(Engine, FileStates_have_their_numbers) {
+TEST_F(Engine, fileStates_haveTheirNumbers) {
     EXPECT_EQ(ConversionEngine::Pending, 255);
     EXPECT_EQ(ConversionEngine::Done, 1);
     EXPECT_EQ(ConversionEngine::Failed, 2);
 }
 
 // Whoever looks on must never wait for a run.
-TEST_F(Engine, SharedCounters_are_read_without_locks) {
+TEST_F(Engine, sharedCounters_areReadWithoutLocks) {
     EXPECT_TRUE(engine().currentIndex.is_lock_free());
     EXPECT_TRUE(engine().currentPercent.is_lock_free());
     EXPECT_TRUE(engine().jobCount.is_lock_free());
@@ -179,7 +179,7 @@ void expectKept(Field& field, std::initializer_list<Value> values) {
     field = before;
 }
 
-TEST_F(Engine, Numbers_keep_what_jobs_need) {
+TEST_F(Engine, numbers_keepWhatJobsNeed) {
     constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     for (std::int32_t ConversionEngine::*field :
@@ -193,7 +193,7 @@ TEST_F(Engine, Numbers_keep_what_jobs_need) {
     expectKept(engine().videoFrameRate, {0.0, 23.976, 30000.0 / 1001.0});
 }
 
-TEST_F(Engine, ProbeResults_keep_what_files_tell) {
+TEST_F(Engine, probeResults_keepWhatFilesTell) {
     constexpr std::int64_t kTenHoursUs = 36'000'000'000;
     for (std::int64_t ConversionEngine::*field :
          {&ConversionEngine::durationUs, &ConversionEngine::durationFloor,
@@ -210,7 +210,7 @@ TEST_F(Engine, ProbeResults_keep_what_files_tell) {
     expectKept(engine().sourceFrameRate, {59.94});
 }
 
-TEST_F(Engine, LastInput_has_entries_of_its_own_in_every_table) {
+TEST_F(Engine, lastInput_hasEntriesOfItsOwnInEveryTable) {
     engine().startTimes[998] = 1.0;
     engine().endTimes[0] = 2.0;
     engine().endTimes[998] = 3.0;
@@ -237,7 +237,7 @@ void fillJob(int count, const std::string& input, const std::string& output) {
     std::ranges::fill(engine().fileStates, std::uint8_t{7});
 }
 
-TEST_F(Engine, JobOf999Inputs_run_reaches_them_all) {
+TEST_F(Engine, jobOf999Inputs_runReachesThemAll) {
     const TemporaryFolder folder;
     fillJob(999, folder / "missing.mp4", folder / "joined.mp4");
 
@@ -249,7 +249,7 @@ TEST_F(Engine, JobOf999Inputs_run_reaches_them_all) {
     EXPECT_EQ(engine().fileStates[999], 7); // not an input's
 }
 
-TEST_F(Engine, JobOf1000Inputs_run_refuses_without_making_a_file) {
+TEST_F(Engine, jobOf1000Inputs_runRefusesWithoutMakingAFile) {
     const TemporaryFolder folder;
     fillJob(1000, mediaPath("h264.mp4"), folder / "joined.mp4");
 
@@ -260,7 +260,7 @@ TEST_F(Engine, JobOf1000Inputs_run_refuses_without_making_a_file) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
-TEST_F(Engine, JobWithoutInputs_run_ends_at_once) {
+TEST_F(Engine, jobWithoutInputs_runEndsAtOnce) {
     fillJob(0, "", "");
     engine().currentIndex = -1;
     engine().currentPercent = -1;
@@ -272,7 +272,7 @@ TEST_F(Engine, JobWithoutInputs_run_ends_at_once) {
     EXPECT_EQ(engine().fileStates[0], 7);
 }
 
-TEST_F(Engine, NegativeInputCount_run_touches_nothing) {
+TEST_F(Engine, negativeInputCount_runTouchesNothing) {
     fillJob(0, "", "");
     engine().inputCount = -5;
 

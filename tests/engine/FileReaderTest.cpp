@@ -31,7 +31,7 @@ Bytes readAll(AVIOContext* io) {
     return content;
 }
 
-TEST(FileReader, RegularFile_is_read_whole) {
+TEST(FileReader, regularFile_isReadWhole) {
     const TemporaryFolder folder;
     const Bytes content = someBytes(3'000'001);
     writeFile(folder / "bytes", content);
@@ -44,7 +44,7 @@ TEST(FileReader, RegularFile_is_read_whole) {
     EXPECT_EQ(reader.io()->error, 0);
 }
 
-TEST(FileReader, AnySeek_reading_goes_on_there) {
+TEST(FileReader, anySeek_readingGoesOnThere) {
     const TemporaryFolder folder;
     const Bytes content = someBytes(3'000'000);
     writeFile(folder / "bytes", content);
@@ -63,7 +63,7 @@ TEST(FileReader, AnySeek_reading_goes_on_there) {
     }
 }
 
-TEST(FileReader, EmptyFile_opens_and_has_no_bytes) {
+TEST(FileReader, emptyFile_opensAndHasNoBytes) {
     const TemporaryFolder folder;
     writeFile(folder / "empty", "");
     FileReader reader(nullptr);
@@ -72,7 +72,7 @@ TEST(FileReader, EmptyFile_opens_and_has_no_bytes) {
     EXPECT_TRUE(readAll(reader.io()).empty());
 }
 
-TEST(FileReader, FileThatGrew_tells_its_new_size) {
+TEST(FileReader, fileThatGrew_tellsItsNewSize) {
     const TemporaryFolder folder;
     writeFile(folder / "growing", "12345");
     FileReader reader(nullptr);
@@ -81,7 +81,7 @@ TEST(FileReader, FileThatGrew_tells_its_new_size) {
     EXPECT_EQ(avio_size(reader.io()), 50);
 }
 
-TEST(FileReader, NamesThatLookLikeAddresses_are_plain_names) {
+TEST(FileReader, namesThatLookLikeAddresses_arePlainNames) {
     const TemporaryFolder folder;
     for (const char* name : {"http:x", "pipe:0", "a%20b", "%d.png", "concat:a|b", "-", "~"}) {
         writeFile(folder / name, "content");
@@ -90,7 +90,7 @@ TEST(FileReader, NamesThatLookLikeAddresses_are_plain_names) {
     }
 }
 
-TEST(FileReader, RelativePathThatLooksLikeAnAddress_is_a_plain_name) {
+TEST(FileReader, relativePathThatLooksLikeAnAddress_isAPlainName) {
     const TemporaryFolder folder;
     writeFile(folder / "file:name", "content");
     const auto before = std::filesystem::current_path();
@@ -102,7 +102,7 @@ TEST(FileReader, RelativePathThatLooksLikeAnAddress_is_a_plain_name) {
     std::filesystem::current_path(before);
 }
 
-TEST(FileReader, MissingFile_gives_the_systems_error) {
+TEST(FileReader, missingFile_givesTheSystemsError) {
     const TemporaryFolder folder;
     FileReader reader(nullptr);
     EXPECT_EQ(reader.open(folder / "missing"), AVERROR(ENOENT));
@@ -113,13 +113,13 @@ TEST(FileReader, MissingFile_gives_the_systems_error) {
     EXPECT_EQ(reader.io(), nullptr);
 }
 
-TEST(FileReader, Directory_is_refused) {
+TEST(FileReader, directory_isRefused) {
     const TemporaryFolder folder;
     FileReader reader(nullptr);
     EXPECT_EQ(reader.open(folder.path()), AVERROR(EISDIR));
 }
 
-TEST(FileReader, Pipe_is_refused_without_waiting_for_a_writer) {
+TEST(FileReader, pipe_isRefusedWithoutWaitingForAWriter) {
     const TemporaryFolder folder;
     const std::string pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -127,13 +127,13 @@ TEST(FileReader, Pipe_is_refused_without_waiting_for_a_writer) {
     EXPECT_EQ(reader.open(pipe), AVERROR(EINVAL));
 }
 
-TEST(FileReader, Device_is_refused) {
+TEST(FileReader, device_isRefused) {
     FileReader reader(nullptr);
     EXPECT_EQ(reader.open("/dev/null"), AVERROR(EINVAL));
     EXPECT_EQ(reader.open("/dev/zero"), AVERROR(EINVAL));
 }
 
-TEST(FileReader, Socket_is_refused) {
+TEST(FileReader, socket_isRefused) {
     const TemporaryFolder folder;
     const std::string path = folder / "socket";
     ASSERT_EQ(mknod(path.c_str(), S_IFSOCK | 0600, 0), 0);
@@ -141,7 +141,7 @@ TEST(FileReader, Socket_is_refused) {
     EXPECT_EQ(reader.open(path), AVERROR(EINVAL));
 }
 
-TEST(FileReader, Link_is_followed) {
+TEST(FileReader, link_isFollowed) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "content");
     std::filesystem::create_symlink("file", folder / "link");
@@ -154,7 +154,7 @@ TEST(FileReader, Link_is_followed) {
     EXPECT_EQ(other.open(folder / "dangling"), AVERROR(ENOENT));
 }
 
-TEST(FileReader, UnreadableFile_is_refused) {
+TEST(FileReader, unreadableFile_isRefused) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "the superuser reads every file";
     }
@@ -165,7 +165,7 @@ TEST(FileReader, UnreadableFile_is_refused) {
     EXPECT_EQ(reader.open(folder / "file"), AVERROR(EACCES));
 }
 
-TEST(FileReader, RaisedFlag_ends_reading) {
+TEST(FileReader, raisedFlag_endsReading) {
     const TemporaryFolder folder;
     writeFile(folder / "bytes", someBytes(3'000'000));
     StopFlag stop{0};
@@ -180,7 +180,7 @@ TEST(FileReader, RaisedFlag_ends_reading) {
     EXPECT_EQ(reader.io()->error, AVERROR_EXIT);
 }
 
-TEST(FileReader, Identity_is_that_of_the_opened_file) {
+TEST(FileReader, identity_isThatOfTheOpenedFile) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "content");
     const auto expected = FileIdentity::ofPath(folder / "file");
@@ -194,7 +194,7 @@ TEST(FileReader, Identity_is_that_of_the_opened_file) {
     EXPECT_EQ(reader.identity(), *expected);
 }
 
-TEST(FileReader, Destroyed_leaves_no_descriptor_open) {
+TEST(FileReader, destroyed_leavesNoDescriptorOpen) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "content");
     const std::size_t before = openDescriptors();

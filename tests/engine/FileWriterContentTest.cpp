@@ -20,7 +20,7 @@ std::size_t pick(std::mt19937& random, std::span<const std::size_t> from) {
 
 class FileWriterOfSequence : public ::testing::TestWithParam<std::uint32_t> {};
 
-TEST_P(FileWriterOfSequence, WritesAndSeeks_file_holds_the_same_as_memory) {
+TEST_P(FileWriterOfSequence, writesAndSeeks_fileHoldsTheSameAsMemory) {
     constexpr std::array kSizes{std::size_t{1}, std::size_t{3}, std::size_t{1000}, 32 * kKiB - 1,
                                 32 * kKiB,      32 * kKiB + 1,  100 * kKiB,        kMiB - 1,
                                 kMiB,           kMiB + 1,       2 * kMiB + 7};
@@ -47,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, FileWriterOfSequence, ::testing::Range(1U, 13U))
 
 class FileWriterOfSize : public ::testing::TestWithParam<std::size_t> {};
 
-TEST_P(FileWriterOfSize, OneWrite_file_has_just_these_bytes) {
+TEST_P(FileWriterOfSize, oneWrite_fileHasJustTheseBytes) {
     const TemporaryFolder folder;
     const Bytes bytes = someBytes(GetParam());
     FileWriter writer;
@@ -57,7 +57,7 @@ TEST_P(FileWriterOfSize, OneWrite_file_has_just_these_bytes) {
     EXPECT_TRUE(readFile(folder / "file") == bytes);
 }
 
-TEST_P(FileWriterOfSize, OverLargerFile_nothing_of_it_is_left) {
+TEST_P(FileWriterOfSize, overLargerFile_nothingOfItIsLeft) {
     const TemporaryFolder folder;
     writeFile(folder / "file", someBytes(GetParam() + 3 * kMiB, 6));
     const Bytes bytes = someBytes(GetParam());
@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, FileWriterOfSize,
 
 class FileWriterOfSmallSize : public ::testing::TestWithParam<std::size_t> {};
 
-TEST_P(FileWriterOfSmallSize, ByteByByte_file_has_just_these_bytes) {
+TEST_P(FileWriterOfSmallSize, byteByByte_fileHasJustTheseBytes) {
     const TemporaryFolder folder;
     const Bytes bytes = someBytes(GetParam());
     FileWriter writer;

@@ -18,14 +18,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(FileWriterOpening, Directory_is_refused_and_left_alone) {
+TEST(FileWriterOpening, directory_isRefusedAndLeftAlone) {
     const TemporaryFolder folder;
     FileWriter writer;
     EXPECT_EQ(writer.open(folder.path()), AVERROR(EISDIR));
     EXPECT_TRUE(fs::is_directory(folder.path()));
 }
 
-TEST(FileWriterOpening, PipeWithoutReader_is_refused_without_waiting) {
+TEST(FileWriterOpening, pipeWithoutReader_isRefusedWithoutWaiting) {
     const TemporaryFolder folder;
     const std::string pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -36,7 +36,7 @@ TEST(FileWriterOpening, PipeWithoutReader_is_refused_without_waiting) {
     EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
-TEST(FileWriterOpening, PipeWithReader_is_refused) {
+TEST(FileWriterOpening, pipeWithReader_isRefused) {
     const TemporaryFolder folder;
     const std::string pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -48,7 +48,7 @@ TEST(FileWriterOpening, PipeWithReader_is_refused) {
     EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
-TEST(FileWriterOpening, Device_is_refused) {
+TEST(FileWriterOpening, device_isRefused) {
     for (const char* path : {"/dev/null", "/dev/full"}) {
         FileWriter writer;
         EXPECT_EQ(writer.open(path), AVERROR(EINVAL)) << path;
@@ -56,7 +56,7 @@ TEST(FileWriterOpening, Device_is_refused) {
     }
 }
 
-TEST(FileWriterOpening, PathThatCannotBe_gives_the_systems_error) {
+TEST(FileWriterOpening, pathThatCannotBe_givesTheSystemsError) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
     FileWriter writer;
@@ -66,7 +66,7 @@ TEST(FileWriterOpening, PathThatCannotBe_gives_the_systems_error) {
     EXPECT_EQ(writer.open(""), AVERROR(ENOENT));
 }
 
-TEST(FileWriterOpening, ReadOnlyFile_is_refused_and_kept) {
+TEST(FileWriterOpening, readOnlyFile_isRefusedAndKept) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "the superuser writes every file";
     }
@@ -78,7 +78,7 @@ TEST(FileWriterOpening, ReadOnlyFile_is_refused_and_kept) {
     EXPECT_EQ(readFile(folder / "file").size(), 4U);
 }
 
-TEST(FileWriterOpening, Refused_leaves_no_descriptor_or_thread) {
+TEST(FileWriterOpening, refused_leavesNoDescriptorOrThread) {
     const TemporaryFolder folder;
     const std::size_t descriptors = openDescriptors();
     const std::size_t threadsBefore = threads();

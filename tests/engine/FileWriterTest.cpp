@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(FileWriter, BigFile_takes_no_more_room_than_its_bytes) {
+TEST(FileWriter, bigFile_takesNoMoreRoomThanItsBytes) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);
@@ -36,7 +36,7 @@ TEST(FileWriter, BigFile_takes_no_more_room_than_its_bytes) {
 
 // Writing into space that was reserved before takes less time. A file system that reserves nothing
 // is skipped.
-TEST(FileWriter, BigFile_has_room_reserved_while_it_is_written) {
+TEST(FileWriter, bigFile_hasRoomReservedWhileItIsWritten) {
     const TemporaryFolder folder;
     const FileDescriptor other(
         open((folder / "other").c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
@@ -58,7 +58,7 @@ TEST(FileWriter, BigFile_has_room_reserved_while_it_is_written) {
     EXPECT_EQ(writer.close(), 0);
 }
 
-TEST(FileWriter, SeekBeyondTheEnd_gap_reads_as_zeros) {
+TEST(FileWriter, seekBeyondTheEnd_gapReadsAsZeros) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);
@@ -70,7 +70,7 @@ TEST(FileWriter, SeekBeyondTheEnd_gap_reads_as_zeros) {
     EXPECT_TRUE(readFile(folder / "file") == mirror.content());
 }
 
-TEST(FileWriter, SeekBeyondTheEndWithoutWriting_adds_nothing) {
+TEST(FileWriter, seekBeyondTheEndWithoutWriting_addsNothing) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);
@@ -80,7 +80,7 @@ TEST(FileWriter, SeekBeyondTheEndWithoutWriting_adds_nothing) {
     EXPECT_EQ(readFile(folder / "file"), someBytes(10));
 }
 
-TEST(FileWriter, SeeksOfEveryKind_tell_where_they_went) {
+TEST(FileWriter, seeksOfEveryKind_tellWhereTheyWent) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);
@@ -95,7 +95,7 @@ TEST(FileWriter, SeeksOfEveryKind_tell_where_they_went) {
     EXPECT_EQ(avio_size(writer.io()), 100'000);
 }
 
-TEST(FileWriter, HeaderWrittenAgain_is_what_the_file_begins_with) {
+TEST(FileWriter, headerWrittenAgain_isWhatTheFileBeginsWith) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);
@@ -110,7 +110,7 @@ TEST(FileWriter, HeaderWrittenAgain_is_what_the_file_begins_with) {
     EXPECT_TRUE(readFile(folder / "file") == mirror.content());
 }
 
-TEST(FileWriter, ExistingFile_keeps_its_content_until_something_is_written) {
+TEST(FileWriter, existingFile_keepsItsContentUntilSomethingIsWritten) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "what was there before");
     FileWriter writer;
@@ -122,7 +122,7 @@ TEST(FileWriter, ExistingFile_keeps_its_content_until_something_is_written) {
     EXPECT_EQ(readFile(folder / "file").size(), 21U);
 }
 
-TEST(FileWriter, ExistingFile_is_kept_by_its_place_and_rights) {
+TEST(FileWriter, existingFile_isKeptByItsPlaceAndRights) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "what was there before");
     fs::permissions(folder / "file", fs::perms::owner_read | fs::perms::owner_write);
@@ -137,7 +137,7 @@ TEST(FileWriter, ExistingFile_is_kept_by_its_place_and_rights) {
               fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST(FileWriter, NewFileWithoutAByte_is_removed_again) {
+TEST(FileWriter, newFileWithoutAByte_isRemovedAgain) {
     const TemporaryFolder folder;
     {
         FileWriter writer;
@@ -152,7 +152,7 @@ TEST(FileWriter, NewFileWithoutAByte_is_removed_again) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST(FileWriter, ExistingEmptyFileWithoutAByte_stays) {
+TEST(FileWriter, existingEmptyFileWithoutAByte_stays) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
     FileWriter writer;
@@ -161,7 +161,7 @@ TEST(FileWriter, ExistingEmptyFileWithoutAByte_stays) {
     EXPECT_TRUE(fs::exists(folder / "file"));
 }
 
-TEST(FileWriter, DestroyedWithoutClose_file_has_all_bytes) {
+TEST(FileWriter, destroyedWithoutClose_fileHasAllBytes) {
     const TemporaryFolder folder;
     const Bytes bytes = someBytes(3 * kMiB + 11);
     {
@@ -172,7 +172,7 @@ TEST(FileWriter, DestroyedWithoutClose_file_has_all_bytes) {
     EXPECT_TRUE(readFile(folder / "file") == bytes);
 }
 
-TEST(FileWriter, ClosedTwice_says_the_same) {
+TEST(FileWriter, closedTwice_saysTheSame) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);
@@ -182,7 +182,7 @@ TEST(FileWriter, ClosedTwice_says_the_same) {
     EXPECT_EQ(writer.error(), 0);
 }
 
-TEST(FileWriter, OpenAndClosed_leaves_no_descriptor_or_thread) {
+TEST(FileWriter, openAndClosed_leavesNoDescriptorOrThread) {
     const TemporaryFolder folder;
     const std::size_t descriptors = openDescriptors();
     const std::size_t threadsBefore = threads();
@@ -205,7 +205,7 @@ TEST(FileWriter, OpenAndClosed_leaves_no_descriptor_or_thread) {
     EXPECT_EQ(threadsOnceEnded(threadsBefore), threadsBefore);
 }
 
-TEST(FileWriter, AfterAFailedWrite_nothing_more_is_written) {
+TEST(FileWriter, afterAFailedWrite_nothingMoreIsWritten) {
     const TemporaryFolder folder;
     FileWriter writer;
     ASSERT_EQ(writer.open(folder / "file"), 0);

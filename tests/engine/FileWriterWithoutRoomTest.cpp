@@ -14,7 +14,7 @@ namespace {
 
 class FileWriterWithoutRoom : public ::testing::TestWithParam<std::size_t> {};
 
-TEST_P(FileWriterWithoutRoom, Close_reports_the_failed_write) {
+TEST_P(FileWriterWithoutRoom, close_reportsTheFailedWrite) {
     const TemporaryFolder folder;
     const FileSizeLimit limit(GetParam());
     const std::size_t descriptors = openDescriptors();
@@ -30,7 +30,7 @@ TEST_P(FileWriterWithoutRoom, Close_reports_the_failed_write) {
     EXPECT_EQ(threadsOnceEnded(threadsBefore), threadsBefore);
 }
 
-TEST_P(FileWriterWithoutRoom, JustEnough_is_no_failure) {
+TEST_P(FileWriterWithoutRoom, justEnough_isNoFailure) {
     const TemporaryFolder folder;
     const FileSizeLimit limit(GetParam());
     const Bytes bytes = someBytes(GetParam());

@@ -9,7 +9,7 @@ bool same(AVRational left, AVRational right) {
     return left.num == right.num && left.den == right.den;
 }
 
-TEST(FrameRate, Whole_is_divided_as_integers) {
+TEST(FrameRate, whole_isDividedAsIntegers) {
     EXPECT_EQ(wholeFrameRate({25, 1}), 25);
     EXPECT_EQ(wholeFrameRate({30000, 1001}), 29);
     EXPECT_EQ(wholeFrameRate({24000, 1001}), 23);
@@ -18,30 +18,30 @@ TEST(FrameRate, Whole_is_divided_as_integers) {
     EXPECT_EQ(wholeFrameRate({0, 1}), 0);
 }
 
-TEST(FrameRate, ZeroDenominator_counts_zero) {
+TEST(FrameRate, zeroDenominator_countsZero) {
     EXPECT_EQ(wholeFrameRate({30, 0}), 0);
     EXPECT_EQ(wholeFrameRate({0, 0}), 0);
 }
 
-TEST(FrameRate, ZeroDenominator_is_not_corrected) {
+TEST(FrameRate, zeroDenominator_isNotCorrected) {
     EXPECT_TRUE(same(correctedFrameRate({30000, 0}), {30000, 0}));
     EXPECT_TRUE(same(correctedFrameRate({0, 0}), {0, 0}));
 }
 
-TEST(FrameRate, UsualRates_stay_as_they_are) {
+TEST(FrameRate, usualRates_stayAsTheyAre) {
     for (const AVRational rate : {AVRational{25, 1}, AVRational{30000, 1001}, AVRational{60, 1},
                                   AVRational{19001, 317}, AVRational{0, 1}, AVRational{-25, 1}}) {
         EXPECT_TRUE(same(correctedFrameRate(rate), rate)) << rate.num << '/' << rate.den;
     }
 }
 
-TEST(FrameRate, ThirtyThousandPerSecond_means_29_97) {
+TEST(FrameRate, thirtyThousandPerSecond_means2997) {
     const AVRational rate = correctedFrameRate({30000, 1});
     EXPECT_TRUE(same(rate, {30000, 1001}));
     EXPECT_EQ(wholeFrameRate(rate), 29);
 }
 
-TEST(FrameRate, OneThousand_is_the_last_that_stays) {
+TEST(FrameRate, oneThousand_isTheLastThatStays) {
     EXPECT_TRUE(same(correctedFrameRate({1000, 1}), {1000, 1}));
     EXPECT_TRUE(same(correctedFrameRate({2001, 2}), {2001, 2})); // 1000 as an integer
     EXPECT_TRUE(same(correctedFrameRate({1001, 1}), {1001, 1001}));
@@ -56,7 +56,7 @@ struct OfferedRate {
 
 class FrameRateOffered : public testing::TestWithParam<OfferedRate> {};
 
-TEST_P(FrameRateOffered, Rate_has_its_duration) {
+TEST_P(FrameRateOffered, rate_hasItsDuration) {
     const double rate = GetParam().rate;
     EXPECT_TRUE(same(encodedFrameDuration(rate, {25, 1}, AV_CODEC_ID_H264), GetParam().duration));
     EXPECT_EQ(encodedFrameRate(rate, {25, 1}), rate);
@@ -72,17 +72,17 @@ INSTANTIATE_TEST_SUITE_P(
                     OfferedRate{30.0, {1001, 30030}}, OfferedRate{50.0, {1, 50}},
                     OfferedRate{60.0, {1, 60}}));
 
-TEST(FrameRate, RateThatIsNotOffered_keeps_the_source_duration) {
+TEST(FrameRate, rateThatIsNotOffered_keepsTheSourceDuration) {
     EXPECT_TRUE(same(encodedFrameDuration(48.0, {25, 2}, AV_CODEC_ID_H264), {2, 25}));
     EXPECT_EQ(encodedFrameRate(48.0, {25, 2}), 48.0);
 }
 
-TEST(FrameRate, SourceRate_becomes_its_whole_number) {
+TEST(FrameRate, sourceRate_becomesItsWholeNumber) {
     EXPECT_TRUE(same(encodedFrameDuration(0.0, {19001, 317}, AV_CODEC_ID_H264), {317, 19001}));
     EXPECT_EQ(encodedFrameRate(0.0, {19001, 317}), 59.0);
 }
 
-TEST(FrameRate, SourceRatesThatMpeg4CannotExpress_are_replaced) {
+TEST(FrameRate, sourceRatesThatMpeg4CannotExpress_areReplaced) {
     EXPECT_TRUE(same(encodedFrameDuration(0.0, {785645, 32768}, AV_CODEC_ID_MPEG4), {1001, 24000}));
     EXPECT_TRUE(same(encodedFrameDuration(0.0, {982057, 32768}, AV_CODEC_ID_MPEG4), {100, 2997}));
     EXPECT_TRUE(

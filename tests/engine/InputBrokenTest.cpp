@@ -18,7 +18,7 @@ using testing::Values;
 
 class InputBroken : public OutputFaults, public testing::WithParamInterface<std::string> {};
 
-TEST_P(InputBroken, Input_is_copied_as_far_as_it_can_be_read) {
+TEST_P(InputBroken, input_isCopiedAsFarAsItCanBeRead) {
     const std::string input = mediaPath(GetParam());
     const std::string output = folder_ / "out.mkv";
 
@@ -36,7 +36,7 @@ INSTANTIATE_TEST_SUITE_P(Media, InputBroken,
                                 "cut-off.mkv", "cut-off.avi"),
                          [](const auto& parameter) { return asTestName(parameter.param); });
 
-TEST_F(OutputFaults, InputCutOffInMidPacket_is_joined_with_the_next) {
+TEST_F(OutputFaults, inputCutOffInMidPacket_isJoinedWithTheNext) {
     const std::string broken = mediaPath("cut-off.mkv");
     const std::string whole = mediaPath("h264-bframes.mkv");
     const std::string output = folder_ / "out.mkv";
@@ -46,7 +46,7 @@ TEST_F(OutputFaults, InputCutOffInMidPacket_is_joined_with_the_next) {
               packetsOf(whole, "v:0").size() + 2 * packetsOf(broken, "v:0").size() - 2);
 }
 
-TEST_F(OutputFaults, InputOfEveryLength_never_breaks_the_run) {
+TEST_F(OutputFaults, inputOfEveryLength_neverBreaksTheRun) {
     const Bytes whole = readFile(mediaMadeBy("-f lavfi -i testsrc2=size=32x32:rate=25:duration=1"
                                              " -c:v mpeg4 -g 12",
                                              "small.mkv"));
@@ -62,7 +62,7 @@ TEST_F(OutputFaults, InputOfEveryLength_never_breaks_the_run) {
     }
 }
 
-TEST_F(OutputFaults, DamagedBytes_never_break_the_run) {
+TEST_F(OutputFaults, damagedBytes_neverBreakTheRun) {
     const Bytes whole = readFile(mediaMadeBy("-f lavfi -i testsrc2=size=32x32:rate=25:duration=1"
                                              " -c:v mpeg4 -g 12",
                                              "small.mp4"));
@@ -102,12 +102,12 @@ protected:
     const std::string output_ = folder_ / "out.mkv";
 };
 
-TEST_F(InputVanishing, RemovedInput_is_copied_in_full) {
+TEST_F(InputVanishing, removedInput_isCopiedInFull) {
     EXPECT_EQ(joinWhile([&] { fs::remove(input_); }).states, (std::vector{1, 1}));
     EXPECT_EQ(packets(), 200U);
 }
 
-TEST_F(InputVanishing, TruncatedInput_ends_there_and_the_next_goes_on) {
+TEST_F(InputVanishing, truncatedInput_endsThereAndTheNextGoesOn) {
     const JobResult result = joinWhile([&] { fs::resize_file(input_, 1'000'000); });
 
     EXPECT_EQ(result.states, (std::vector{1, 1}));
@@ -116,7 +116,7 @@ TEST_F(InputVanishing, TruncatedInput_ends_there_and_the_next_goes_on) {
     EXPECT_LT(packets(), 200U);
 }
 
-TEST_F(InputVanishing, RemovedLaterInput_fails_alone) {
+TEST_F(InputVanishing, removedLaterInput_failsAlone) {
     const std::string later = folder_ / "later.mp4";
     fs::copy_file(largeSource(), later);
     fillJoin({largeSource(), later, largeSource()}, output_);

@@ -65,7 +65,7 @@ protected:
     AVFormatContext* context_ = avformat_alloc_context();
 };
 
-TEST_F(NestedOpening, WhatIsNoRegularFile_is_refused) {
+TEST_F(NestedOpening, whatIsNoRegularFile_isRefused) {
     const std::string pipe = inside_ + "/pipe.ts";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(opened(pipe), AVERROR(EINVAL));
@@ -75,7 +75,7 @@ TEST_F(NestedOpening, WhatIsNoRegularFile_is_refused) {
     EXPECT_EQ(opened(""), AVERROR(ENOENT));
 }
 
-TEST_F(NestedOpening, AddressOfAnotherKind_is_refused_even_where_a_file_has_that_name) {
+TEST_F(NestedOpening, addressOfAnotherKind_isRefusedEvenWhereAFileHasThatName) {
     const fs::path before = fs::current_path();
     fs::current_path(inside_);
     for (const std::string name : {"http:x", "crypto:x", "crypto+file:x", "data:x", "concat:x",
@@ -87,14 +87,14 @@ TEST_F(NestedOpening, AddressOfAnotherKind_is_refused_even_where_a_file_has_that
     fs::current_path(before);
 }
 
-TEST_F(NestedOpening, OpenDescriptorByItsName_counts_as_the_file_it_is_of) {
+TEST_F(NestedOpening, openDescriptorByItsName_countsAsTheFileItIsOf) {
     const FileDescriptor inside(::open(part_.c_str(), O_RDONLY | O_CLOEXEC));
     const FileDescriptor outside(::open(secret_.c_str(), O_RDONLY | O_CLOEXEC));
     EXPECT_EQ(opened("/proc/self/fd/" + std::to_string(inside.get())), 0);
     EXPECT_EQ(opened("/proc/self/fd/" + std::to_string(outside.get())), AVERROR(EACCES));
 }
 
-TEST_F(NestedOpening, NameThatComesToMeanAnotherFile_opens_the_one_that_was_looked_at) {
+TEST_F(NestedOpening, nameThatComesToMeanAnotherFile_opensTheOneThatWasLookedAt) {
     const OpenWatch secret(secret_);
     const std::string name = inside_ + "/changing.ts";
     fs::create_symlink("part.ts", name);
@@ -107,7 +107,7 @@ TEST_F(NestedOpening, NameThatComesToMeanAnotherFile_opens_the_one_that_was_look
     EXPECT_FALSE(secret.hasSeenOpening());
 }
 
-TEST_F(NestedOpening, FolderThatHasMoved_still_has_its_files) {
+TEST_F(NestedOpening, folderThatHasMoved_stillHasItsFiles) {
     fs::rename(inside_, folder_ / "moved");
     EXPECT_EQ(opened(folder_ / "moved/part.ts"), 0);
     fs::create_directory(inside_);
@@ -115,7 +115,7 @@ TEST_F(NestedOpening, FolderThatHasMoved_still_has_its_files) {
     EXPECT_EQ(opened(inside_ + "/new.ts"), AVERROR(EACCES));
 }
 
-TEST_F(NestedOpening, RaisedFlag_ends_reading) {
+TEST_F(NestedOpening, raisedFlag_endsReading) {
     AVIOContext* io = nullptr;
     ASSERT_EQ(context_->io_open(context_, &io, part_.c_str(), AVIO_FLAG_READ, nullptr), 0);
     stop_ = 1;
@@ -124,7 +124,7 @@ TEST_F(NestedOpening, RaisedFlag_ends_reading) {
     context_->io_close2(context_, io);
 }
 
-TEST_F(NestedOpening, ContextOfADemuxersOwn_may_open_nothing) {
+TEST_F(NestedOpening, contextOfADemuxersOwn_mayOpenNothing) {
     AVFormatContext* own = avformat_alloc_context();
     own->io_open = context_->io_open;
     AVIOContext* io = nullptr;
@@ -133,7 +133,7 @@ TEST_F(NestedOpening, ContextOfADemuxersOwn_may_open_nothing) {
     avformat_free_context(own);
 }
 
-TEST_F(NestedOpening, SeveralAtATime_are_closed_one_by_one) {
+TEST_F(NestedOpening, severalAtATime_areClosedOneByOne) {
     const std::size_t before = openDescriptors();
     std::array<AVIOContext*, 3> parts{};
     for (AVIOContext*& part : parts) {

@@ -37,12 +37,12 @@ protected:
     std::unique_ptr<InputMedia> media_;
 };
 
-TEST_P(InputMediaOf, StreamInfo_is_the_same_as_read_plainly) {
+TEST_P(InputMediaOf, streamInfo_isTheSameAsReadPlainly) {
     EXPECT_EQ(media_->container()->nb_streams, plain_->nb_streams);
     EXPECT_EQ(streamInfoDifferences(*media_, *plain_), Facts());
 }
 
-TEST_P(InputMediaOf, FirstPackets_are_the_same_as_read_plainly) {
+TEST_P(InputMediaOf, firstPackets_areTheSameAsReadPlainly) {
     EXPECT_EQ(packetDifferences(*media_, *plain_), Facts());
 }
 
@@ -73,13 +73,13 @@ std::vector<int> streamsRead(InputMedia& media) {
     return streams;
 }
 
-TEST(InputMedia, SeveralStreamsOfAType_last_of_each_is_picked) {
+TEST(InputMedia, severalStreamsOfAType_lastOfEachIsPicked) {
     const auto media = opened("two-streams.mkv");
     EXPECT_EQ(media->videoStreamIndex(), 2);
     EXPECT_EQ(media->audioStreamIndex(), 3);
 }
 
-TEST(InputMedia, AttachedPicture_is_no_video_stream) {
+TEST(InputMedia, attachedPicture_isNoVideoStream) {
     const auto withVideo = opened("cover.mp4");
     EXPECT_EQ(withVideo->videoStreamIndex(), 0);
     EXPECT_EQ(withVideo->audioStreamIndex(), 1);
@@ -89,12 +89,12 @@ TEST(InputMedia, AttachedPicture_is_no_video_stream) {
     EXPECT_EQ(withSound->audioStreamIndex(), 0);
 }
 
-TEST(InputMedia, Subtitles_are_not_read) {
+TEST(InputMedia, subtitles_areNotRead) {
     const auto media = opened("subtitles.mkv");
     EXPECT_EQ(streamsRead(*media), (std::vector{0, 1}));
 }
 
-TEST(InputMedia, SeekByTime_start_of_the_container_is_added) {
+TEST(InputMedia, seekByTime_startOfTheContainerIsAdded) {
     const auto media = opened("h264-bframes.flv");
     const double start = static_cast<double>(media->container()->start_time) / AV_TIME_BASE;
     double seconds = 2.0;
@@ -102,7 +102,7 @@ TEST(InputMedia, SeekByTime_start_of_the_container_is_added) {
     EXPECT_DOUBLE_EQ(seconds, 2.0 + start);
 }
 
-TEST(InputMedia, SeekByBytes_time_stays_as_asked) {
+TEST(InputMedia, seekByBytes_timeStaysAsAsked) {
     for (const char* name : {"mpeg2.ts", "mpeg2.mpg", "theora.ogv"}) {
         const auto media = opened(name);
         double seconds = 1.0;
@@ -111,7 +111,7 @@ TEST(InputMedia, SeekByBytes_time_stays_as_asked) {
     }
 }
 
-TEST(InputMedia, SeekByBytes_goes_to_the_same_fraction_of_the_file) {
+TEST(InputMedia, seekByBytes_goesToTheSameFractionOfTheFile) {
     const auto media = opened("mpeg2.ts");
     const auto size = static_cast<double>(avio_size(media->container()->pb));
     double seconds = static_cast<double>(media->container()->duration) / AV_TIME_BASE / 2;
@@ -122,7 +122,7 @@ TEST(InputMedia, SeekByBytes_goes_to_the_same_fraction_of_the_file) {
     EXPECT_LT(static_cast<double>(packet->pos), size / 2 + 20'000);
 }
 
-TEST(InputMedia, SeekToAnyNumber_does_no_harm) {
+TEST(InputMedia, seekToAnyNumber_doesNoHarm) {
     av_log_set_level(AV_LOG_QUIET);
     for (const char* name : {"h264.mp4", "mpeg2.ts", "mpeg4.avi", "raw.h264", "piped.mkv"}) {
         const auto media = opened(name);
@@ -138,7 +138,7 @@ TEST(InputMedia, SeekToAnyNumber_does_no_harm) {
     av_log_set_level(AV_LOG_INFO);
 }
 
-TEST(InputMedia, RaisedFlag_opening_ends) {
+TEST(InputMedia, raisedFlag_openingEnds) {
     av_log_set_level(AV_LOG_QUIET);
     const StopFlag stop{1};
     InputMedia media(mediaPath("h264.mp4"), &stop);
@@ -146,7 +146,7 @@ TEST(InputMedia, RaisedFlag_opening_ends) {
     av_log_set_level(AV_LOG_INFO);
 }
 
-TEST(InputMedia, FlagRaisedWhileReading_ends_it_with_its_own_code) {
+TEST(InputMedia, flagRaisedWhileReading_endsItWithItsOwnCode) {
     const std::string path = mediaPath("h264-gop250.ts");
     StopFlag stop{0};
     InputMedia media(path, &stop);
@@ -164,7 +164,7 @@ TEST(InputMedia, FlagRaisedWhileReading_ends_it_with_its_own_code) {
 }
 
 // A play list names other files; only files of this machine may be opened for it.
-TEST(InputMedia, PlayListThatNamesAnAddress_opens_no_connection) {
+TEST(InputMedia, playListThatNamesAnAddress_opensNoConnection) {
     av_log_set_level(AV_LOG_QUIET);
     const TemporaryFolder folder;
     writeFile(folder / "list.m3u8", "#EXTM3U\n#EXT-X-TARGETDURATION:4\n#EXTINF:4,\n"

@@ -89,7 +89,7 @@ protected:
     Resources before_;
 };
 
-TEST_P(IoFaults, ShortAndInterruptedReads_give_the_same_file) {
+TEST_P(IoFaults, shortAndInterruptedReads_giveTheSameFile) {
     JobResult result;
     fill();
     {
@@ -99,7 +99,7 @@ TEST_P(IoFaults, ShortAndInterruptedReads_give_the_same_file) {
     EXPECT_EQ(outputOf(result), expected_);
 }
 
-TEST_P(IoFaults, ShortAndInterruptedWrites_give_the_same_file) {
+TEST_P(IoFaults, shortAndInterruptedWrites_giveTheSameFile) {
     JobResult result;
     fill();
     {
@@ -109,7 +109,7 @@ TEST_P(IoFaults, ShortAndInterruptedWrites_give_the_same_file) {
     EXPECT_EQ(outputOf(result), expected_);
 }
 
-TEST_P(IoFaults, NoSpaceAfterAnyByte_fails_the_last_input) {
+TEST_P(IoFaults, noSpaceAfterAnyByte_failsTheLastInput) {
     const auto size = static_cast<std::int64_t>(expected_.size());
     for (std::int64_t i = 0; i < kWays; ++i) {
         fill();
@@ -119,7 +119,7 @@ TEST_P(IoFaults, NoSpaceAfterAnyByte_fails_the_last_input) {
     }
 }
 
-TEST_P(IoFaults, ReadErrorAfterAnyByte_ends_the_run) {
+TEST_P(IoFaults, readErrorAfterAnyByte_endsTheRun) {
     std::int64_t size = 0;
     fill();
     {
@@ -141,7 +141,7 @@ TEST_P(IoFaults, ReadErrorAfterAnyByte_ends_the_run) {
     }
 }
 
-TEST_P(IoFaults, StopWhileASourceStalls_ends_once_the_call_returns) {
+TEST_P(IoFaults, stopWhileASourceStalls_endsOnceTheCallReturns) {
     std::mutex mutex;
     std::condition_variable changed;
     bool stalled = false;
@@ -176,7 +176,7 @@ TEST_P(IoFaults, StopWhileASourceStalls_ends_once_the_call_returns) {
     EXPECT_NE(result.states.back(), 1);
 }
 
-TEST_P(IoFaults, FolderRemovedMeanwhile_does_not_disturb_the_run) {
+TEST_P(IoFaults, folderRemovedMeanwhile_doesNotDisturbTheRun) {
     const std::string folder = folder_ / "gone";
     fs::create_directory(folder);
     const fs::path sourceInFolder = fs::path(folder) / "source.mp4";

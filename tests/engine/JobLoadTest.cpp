@@ -1,6 +1,7 @@
 // How a job is put together and gets into the engine.
 
 #include "JobSupport.h"
+#include "Saturated.h"
 
 #include <cmath>
 #include <limits>
@@ -34,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(JobLoad, Tables_settings_and_modes_are_those_of_the_job) {
+TEST_F(JobLoad, tables_settingsAndModesAreThoseOfTheJob) {
     load(engine_, reencodingCut());
 
     EXPECT_EQ(engine_.inputCount, 2);
@@ -61,7 +62,7 @@ TEST_F(JobLoad, Tables_settings_and_modes_are_those_of_the_job) {
     EXPECT_EQ(engine_.joinMode, 0);
 }
 
-TEST_F(JobLoad, Counters_are_those_before_a_run) {
+TEST_F(JobLoad, counters_areThoseBeforeARun) {
     engine_.currentIndex = 5;
     engine_.currentPercent = 77;
     engine_.stopRequested = 1;
@@ -73,7 +74,7 @@ TEST_F(JobLoad, Counters_are_those_before_a_run) {
     EXPECT_EQ(engine_.stopRequested, 0);
 }
 
-TEST_F(JobLoad, Join_has_its_length_in_whole_seconds_and_leaves_the_spans) {
+TEST_F(JobLoad, join_hasItsLengthInWholeSecondsAndLeavesTheSpans) {
     engine_.spans[0] = 7.0;
     Job job;
     job.joins = true;
@@ -89,7 +90,7 @@ TEST_F(JobLoad, Join_has_its_length_in_whole_seconds_and_leaves_the_spans) {
     EXPECT_EQ(job.spanOf(1), 30.0);
 }
 
-TEST_F(JobLoad, Join_of_impossible_lengths_stays_within_32_bits) {
+TEST_F(JobLoad, join_ofImpossibleLengthsStaysWithin32Bits) {
     Job job;
     job.joins = true;
     job.add("a", "out", 0.0, std::numeric_limits<double>::infinity());
@@ -98,7 +99,7 @@ TEST_F(JobLoad, Join_of_impossible_lengths_stays_within_32_bits) {
     EXPECT_EQ(job.joinSeconds, 0);
 }
 
-TEST_F(JobLoad, What_is_loaded_is_what_a_run_gets) {
+TEST_F(JobLoad, what_isLoadedIsWhatARunGets) {
     const Job given = reencodingCut();
     load(engine_, given);
 
@@ -118,7 +119,7 @@ TEST_F(JobLoad, What_is_loaded_is_what_a_run_gets) {
     EXPECT_EQ(taken.reencodes, given.reencodes);
 }
 
-TEST_F(JobLoad, Without_inputs_leaves_the_settings) {
+TEST_F(JobLoad, without_inputsLeavesTheSettings) {
     load(engine_, reencodingCut());
 
     load(engine_, Job());
@@ -130,7 +131,7 @@ TEST_F(JobLoad, Without_inputs_leaves_the_settings) {
     EXPECT_EQ(engine_.videoCodecChosen, 0);
 }
 
-TEST_F(JobLoad, Larger_than_the_tables_fills_them_and_tells_its_size) {
+TEST_F(JobLoad, larger_thanTheTablesFillsThemAndTellsItsSize) {
     Job job;
     for (int i = 0; i < 1001; ++i) {
         job.add("a", "out", i, i);
@@ -144,19 +145,19 @@ TEST_F(JobLoad, Larger_than_the_tables_fills_them_and_tells_its_size) {
     EXPECT_EQ(engine_.fileStates[0], 7);
 }
 
-TEST(Saturated, Numbers_of_64_bits_give_the_nearest_of_32) {
+TEST(Saturated, numbers_of64BitsGiveTheNearestOf32) {
     EXPECT_EQ(saturated(INT64_C(-5)), -5);
     EXPECT_EQ(saturated(INT64_C(1) << 40), kMost);
     EXPECT_EQ(saturated(-(INT64_C(1) << 40)), std::numeric_limits<std::int32_t>::min());
 }
 
-TEST(Saturated, Fractions_are_cut_off_towards_zero) {
+TEST(Saturated, fractions_areCutOffTowardsZero) {
     EXPECT_EQ(truncated(2.9), 2);
     EXPECT_EQ(truncated(-2.9), -2);
     EXPECT_EQ(truncatedTo64Bits(-5e12 - 0.5), INT64_C(-5'000'000'000'000));
 }
 
-TEST(Saturated, What_does_not_fit_gives_the_nearest_and_no_number_0) {
+TEST(Saturated, what_doesNotFitGivesTheNearestAndNoNumber0) {
     const double infinite = std::numeric_limits<double>::infinity();
     EXPECT_EQ(truncated(infinite), kMost);
     EXPECT_EQ(truncated(-infinite), std::numeric_limits<std::int32_t>::min());
@@ -166,7 +167,7 @@ TEST(Saturated, What_does_not_fit_gives_the_nearest_and_no_number_0) {
     EXPECT_EQ(truncatedTo64Bits(std::nan("")), 0);
 }
 
-TEST(Saturated, BitRate_beyond_32_bits_is_the_largest) {
+TEST(Saturated, bitRate_beyond32BitsIsTheLargest) {
     EXPECT_EQ(bitsPerSecond(128), 128'000);
     EXPECT_EQ(bitsPerSecond(4'000'000), kMost);
     EXPECT_EQ(bitsPerSecond(-4'000'000), std::numeric_limits<std::int32_t>::min());

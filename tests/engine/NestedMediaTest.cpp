@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 // Pictures.
 
-TEST_F(NestedFiles, NameOfAPictureSequence_stands_for_the_one_file) {
+TEST_F(NestedFiles, nameOfAPictureSequence_standsForTheOneFile) {
     const std::string outside = outside_ + "/private.png";
     fs::copy_file(mediaPath("pixel.png"), outside);
     const OpenWatch watch(outside);
@@ -40,12 +40,12 @@ void writePlanes(const std::string& y, const std::string& u, const std::string& 
     writeFile(v, Bytes(std::size_t{176} * 144, 3));
 }
 
-TEST_F(NestedFiles, PlanesBesideAPicture_are_read) {
+TEST_F(NestedFiles, planesBesideAPicture_areRead) {
     writePlanes(inside_ + "/p.Y", inside_ + "/p.U", inside_ + "/p.V");
     EXPECT_EQ(std::ranges::count(videoBytesOf(inside_ + "/p.Y"), 2), 176 * 144);
 }
 
-TEST_F(NestedFiles, PlaneOutside_is_not_opened) {
+TEST_F(NestedFiles, planeOutside_isNotOpened) {
     const std::string outside = outside_ + "/private";
     writePlanes(inside_ + "/p.Y", outside, inside_ + "/p.V");
     fs::create_symlink(outside, inside_ + "/p.U");
@@ -55,7 +55,7 @@ TEST_F(NestedFiles, PlaneOutside_is_not_opened) {
 }
 
 // The demuxer of planes opens the input once more, by its name.
-TEST_F(NestedFiles, InputBehindALink_may_be_opened_again) {
+TEST_F(NestedFiles, inputBehindALink_mayBeOpenedAgain) {
     writePlanes(outside_ + "/p.Y", inside_ + "/p.U", inside_ + "/p.V");
     fs::create_symlink(outside_ + "/p.Y", inside_ + "/p.Y");
     const Bytes picture = videoBytesOf(inside_ + "/p.Y");
@@ -119,7 +119,7 @@ Bytes referringTo(Bytes movie, const std::string& path) {
     return movie;
 }
 
-TEST_F(NestedFiles, MovieWithExternalData_opens_no_other_file) {
+TEST_F(NestedFiles, movieWithExternalData_opensNoOtherFile) {
     const std::string external = outside_ + "/external.mp4";
     const std::string movie = inside_ + "/movie.mov";
     fs::copy_file(mediaPath("mpeg4.mp4"), external);

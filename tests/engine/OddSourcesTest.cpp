@@ -50,7 +50,7 @@ protected:
     const std::string output_ = folder_ / "out.mkv";
 };
 
-TEST_F(OddSources, RateWithoutDenominator_probe_keeps_the_rate_before) {
+TEST_F(OddSources, rateWithoutDenominator_probeKeepsTheRateBefore) {
     engine_.sourceFrameRate = 12;
     const FaultyMedia faults({.describe = takeRateAway});
 
@@ -61,7 +61,7 @@ TEST_F(OddSources, RateWithoutDenominator_probe_keeps_the_rate_before) {
     EXPECT_EQ(engine_.sourceFrameRateDen, 0);
 }
 
-TEST_F(OddSources, RateWithoutDenominator_copy_fails_and_leaves_no_file) {
+TEST_F(OddSources, rateWithoutDenominator_copyFailsAndLeavesNoFile) {
     const FaultyMedia faults({.describe = takeRateAway});
 
     const JobResult result = JobTest::cut(source_, 0, 1000, output_);
@@ -71,7 +71,7 @@ TEST_F(OddSources, RateWithoutDenominator_copy_fails_and_leaves_no_file) {
     EXPECT_FALSE(std::filesystem::exists(output_));
 }
 
-TEST_F(OddSources, RateWithoutDenominator_reencoding_at_the_sources_rate_fails) {
+TEST_F(OddSources, rateWithoutDenominator_reencodingAtTheSourcesRateFails) {
     const FaultyMedia faults({.describe = takeRateAway});
     engine_.videoFrameRate = 0;
 
@@ -82,7 +82,7 @@ TEST_F(OddSources, RateWithoutDenominator_reencoding_at_the_sources_rate_fails) 
     EXPECT_FALSE(std::filesystem::exists(output_));
 }
 
-TEST_F(OddSources, RateWithoutDenominator_reencoding_at_a_chosen_rate_works) {
+TEST_F(OddSources, rateWithoutDenominator_reencodingAtAChosenRateWorks) {
     const FaultyMedia faults({.describe = takeRateAway});
     engine_.videoFrameRate = 25;
 
@@ -90,7 +90,7 @@ TEST_F(OddSources, RateWithoutDenominator_reencoding_at_a_chosen_rate_works) {
     EXPECT_GT(packets("v:0"), 20U);
 }
 
-TEST_F(OddSources, SoundWithoutDecoder_is_probed_by_what_the_container_says) {
+TEST_F(OddSources, soundWithoutDecoder_isProbedByWhatTheContainerSays) {
     const FaultyMedia faults(withSoundOf(AV_CODEC_ID_NONE));
 
     EXPECT_EQ(probe(), 0);
@@ -102,7 +102,7 @@ TEST_F(OddSources, SoundWithoutDecoder_is_probed_by_what_the_container_says) {
     EXPECT_EQ(engine_.durationSeconds, 1);
 }
 
-TEST_F(OddSources, SoundWhoseDecoderDoesNotOpen_is_probed_by_what_the_container_says) {
+TEST_F(OddSources, soundWhoseDecoderDoesNotOpen_isProbedByWhatTheContainerSays) {
     const FaultyMedia faults(withSoundOf(AV_CODEC_ID_ALAC)); // which needs its extradata
 
     EXPECT_EQ(probe(), 0);
@@ -113,7 +113,7 @@ TEST_F(OddSources, SoundWhoseDecoderDoesNotOpen_is_probed_by_what_the_container_
     EXPECT_EQ(engine_.sourceWidth, 64);
 }
 
-TEST_F(OddSources, SoundPacketThatCannotBeWritten_is_missing_from_a_copy_that_is_done) {
+TEST_F(OddSources, soundPacketThatCannotBeWritten_isMissingFromACopyThatIsDone) {
     ASSERT_EQ(JobTest::cut(source_, 0, 2000, output_).states, std::vector{1});
     const std::size_t sounds = packets("a:0");
     int calls = 0;
@@ -127,7 +127,7 @@ TEST_F(OddSources, SoundPacketThatCannotBeWritten_is_missing_from_a_copy_that_is
     EXPECT_EQ(packets("v:0"), 25U);
 }
 
-TEST_F(OddSources, EndTimes_are_nothing_to_a_run) {
+TEST_F(OddSources, endTimes_areNothingToARun) {
     for (const double end : {-1.0, 0.0, 0.2, std::numeric_limits<double>::infinity()}) {
         fillCut(source_, 0, 500, output_);
         engine_.endTimes[0] = end;

@@ -41,7 +41,7 @@ protected:
     const std::string output_ = folder_ / GetParam();
 };
 
-TEST_P(SeveralFiles, New_is_refused_before_anything_is_written) {
+TEST_P(SeveralFiles, new_isRefusedBeforeAnythingIsWritten) {
     const auto before = contentOf(folder_.path());
 
     EXPECT_EQ(join({source_, source_}, output_).states, (std::vector{2, 2}));
@@ -49,7 +49,7 @@ TEST_P(SeveralFiles, New_is_refused_before_anything_is_written) {
     EXPECT_TRUE(contentOf(folder_.path()) == before);
 }
 
-TEST_P(SeveralFiles, Existing_stays_as_it_was) {
+TEST_P(SeveralFiles, existing_staysAsItWas) {
     writeFile(output_, "earlier");
     const auto before = contentOf(folder_.path());
 
@@ -58,7 +58,7 @@ TEST_P(SeveralFiles, Existing_stays_as_it_was) {
     EXPECT_TRUE(contentOf(folder_.path()) == before);
 }
 
-TEST_P(SeveralFiles, Cause_is_logged) {
+TEST_P(SeveralFiles, cause_isLogged) {
     AtLogLine refusal(" is not written as one file", [](int) {});
 
     cut(source_, 0, 1000, output_);
@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(Names, SeveralFiles,
                          [](const auto& parameter) { return asTestName(parameter.param); });
 
 // The play list's first part would have the name of the source.
-TEST_F(OutputFiles, PlayListNamedLikeItsSource_leaves_the_source_alone) {
+TEST_F(OutputFiles, playListNamedLikeItsSource_leavesTheSourceAlone) {
     const std::string source = folder_ / "m0.ts";
     fs::copy_file(mediaPath("mpeg2.ts"), source);
     const auto before = contentOf(folder_.path());
@@ -88,7 +88,7 @@ std::string cinepakSource() {
                        "cinepak.avi");
 }
 
-TEST_F(OutputFiles, ContainerThatIsReadBack_is_refused_also_where_it_suits) {
+TEST_F(OutputFiles, containerThatIsReadBack_isRefusedAlsoWhereItSuits) {
     const std::string output = folder_ / "out.cpk";
     writeFile(output, "earlier");
 
@@ -122,7 +122,7 @@ std::vector<std::string> sources() {
             cinepakSource()};
 }
 
-TEST_F(OutputFiles, AnyContainer_is_refused_or_writes_one_file) {
+TEST_F(OutputFiles, anyContainer_isRefusedOrWritesOneFile) {
     int written = 0;
     for (const std::string& source : sources()) {
         const fs::path input = folder_.path() / ("in" + fs::path(source).extension().string());
@@ -146,7 +146,7 @@ TEST_F(OutputFiles, AnyContainer_is_refused_or_writes_one_file) {
 
 // A muxer that has been let in.
 
-TEST_F(OutputFiles, OpeningAnotherFile_is_refused_to_the_muxer) {
+TEST_F(OutputFiles, openingAnotherFile_isRefusedToTheMuxer) {
     const std::string other = folder_ / "other.mp4";
     int opened = 0;
     const FaultyMedia atHeader({.begin = [&](const AVFormatContext& output) {

@@ -23,7 +23,7 @@ protected:
     const std::string output_ = folder_ / ("out." + GetParam());
 };
 
-TEST_P(OutputFull, OnlyInput_fails) {
+TEST_P(OutputFull, onlyInput_fails) {
     const FileSizeLimit limit(1'500'000);
 
     const JobResult result = cut(large_, 0, 4000, output_);
@@ -33,21 +33,21 @@ TEST_P(OutputFull, OnlyInput_fails) {
     EXPECT_LE(fs::file_size(output_), 1'500'000U);
 }
 
-TEST_P(OutputFull, AtTheVeryEnd_fails_the_last_input) {
+TEST_P(OutputFull, atTheVeryEnd_failsTheLastInput) {
     cut(source_, 0, 4000, output_);
     const FileSizeLimit limit(fs::file_size(output_) - 1);
 
     EXPECT_EQ(join({source_}, output_).states, std::vector{2});
 }
 
-TEST_P(OutputFull, ExactlyFitting_is_done) {
+TEST_P(OutputFull, exactlyFitting_isDone) {
     cut(source_, 0, 4000, output_);
     const FileSizeLimit limit(fs::file_size(output_));
 
     EXPECT_EQ(cut(source_, 0, 4000, output_).states, std::vector{1});
 }
 
-TEST_P(OutputFull, InSecondInput_fails_that_and_the_rest) {
+TEST_P(OutputFull, inSecondInput_failsThatAndTheRest) {
     const auto size = static_cast<rlim_t>(fs::file_size(large_));
     const FileSizeLimit limit(size * 3 / 2);
 
@@ -67,7 +67,7 @@ bool mountSmallDisk(const std::string& folder) {
            mount("velmora-test", folder.c_str(), "tmpfs", 0, "size=1m") == 0;
 }
 
-TEST_F(OutputFaults, FullDisk_fails_the_input) {
+TEST_F(OutputFaults, fullDisk_failsTheInput) {
     const std::string source = largeSource();
     const int state = statusOf([&]() -> int {
         if (!mountSmallDisk(folder_.path())) {

@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(OutputFaults, UnusualName_is_taken_as_it_is) {
+TEST_F(OutputFaults, unusualName_isTakenAsItIs) {
     const std::vector<std::string> names{"with:colon",
                                          "file:name",
                                          "http:colons",
@@ -43,7 +43,7 @@ TEST_F(OutputFaults, UnusualName_is_taken_as_it_is) {
     }
 }
 
-TEST_F(OutputFaults, RelativeName_is_of_the_working_folder) {
+TEST_F(OutputFaults, relativeName_isOfTheWorkingFolder) {
     const fs::path before = fs::current_path();
     fs::current_path(folder_.path());
     for (const char* name : {"out.mp4", "with:colon.mp4", "-y.mp4"}) {
@@ -53,7 +53,7 @@ TEST_F(OutputFaults, RelativeName_is_of_the_working_folder) {
     fs::current_path(before);
 }
 
-TEST_F(OutputFaults, LongPath_is_not_cut_short) {
+TEST_F(OutputFaults, longPath_isNotCutShort) {
     fs::path deep = folder_.path();
     for (int i = 0; i < 8; ++i) {
         deep /= std::string(200, static_cast<char>('a' + i));

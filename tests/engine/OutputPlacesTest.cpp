@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(OutputFaults, PathThatCannotBeAFile_fails_the_input) {
+TEST_F(OutputFaults, pathThatCannotBeAFile_failsTheInput) {
     const std::string file = folder_ / "file.mp4";
     const std::string folder = folder_ / "folder.mp4";
     writeFile(file, "content");
@@ -34,7 +34,7 @@ TEST_F(OutputFaults, PathThatCannotBeAFile_fails_the_input) {
     EXPECT_EQ(fs::file_size(file), 7U);
 }
 
-TEST_F(OutputFaults, PipeAsOutput_fails_without_waiting_for_a_reader) {
+TEST_F(OutputFaults, pipeAsOutput_failsWithoutWaitingForAReader) {
     const std::string pipe = folder_ / "pipe.mp4";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
 
@@ -42,7 +42,7 @@ TEST_F(OutputFaults, PipeAsOutput_fails_without_waiting_for_a_reader) {
     EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
-TEST_F(OutputFaults, DeviceAsOutput_fails) {
+TEST_F(OutputFaults, deviceAsOutput_fails) {
     for (const char* device : {"/dev/null", "/dev/full"}) {
         const std::string link = folder_ / "device.mp4";
         fs::create_symlink(device, link);
@@ -53,14 +53,14 @@ TEST_F(OutputFaults, DeviceAsOutput_fails) {
     }
 }
 
-TEST_F(OutputFaults, LoopOfLinks_fails) {
+TEST_F(OutputFaults, loopOfLinks_fails) {
     const std::string loop = folder_ / "loop.mp4";
     fs::create_symlink("loop.mp4", loop);
 
     EXPECT_EQ(cut(source_, 0, 1000, loop).states, std::vector{2});
 }
 
-TEST_F(OutputFaults, LinkToAnotherFile_writes_there) {
+TEST_F(OutputFaults, linkToAnotherFile_writesThere) {
     const std::string target = folder_ / "target.mp4";
     const std::string link = folder_ / "link.mp4";
     fs::create_symlink(target, link);
@@ -79,7 +79,7 @@ int statusWithoutRights(const std::function<int()>& action) {
     });
 }
 
-TEST_F(OutputFaults, WithoutPermission_fails_and_changes_nothing) {
+TEST_F(OutputFaults, withoutPermission_failsAndChangesNothing) {
     const std::string input = copyOfMedia("mpeg4.mp4", folder_);
     const std::string closed = folder_ / "closed";
     const std::string open = folder_ / "open";

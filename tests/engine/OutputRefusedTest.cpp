@@ -35,12 +35,12 @@ protected:
     const std::string output_ = folder_ / ("out." + GetParam().extension);
 };
 
-TEST_P(OutputRefused, New_is_not_left_behind) {
+TEST_P(OutputRefused, new_isNotLeftBehind) {
     EXPECT_EQ(cut(input(), 0, 1000, output_).states, std::vector{2});
     EXPECT_FALSE(fs::exists(output_));
 }
 
-TEST_P(OutputRefused, Existing_stays_as_it_was) {
+TEST_P(OutputRefused, existing_staysAsItWas) {
     writeFile(output_, "earlier");
 
     EXPECT_EQ(cut(input(), 0, 1000, output_).states, std::vector{2});

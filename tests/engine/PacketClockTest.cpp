@@ -41,7 +41,7 @@ struct Timing {
 
 class PacketClockOf : public ::testing::TestWithParam<Timing> {};
 
-TEST_P(PacketClockOf, ManyPackets_are_numbered_as_by_carrying_a_fraction) {
+TEST_P(PacketClockOf, manyPackets_areNumberedAsByCarryingAFraction) {
     const Timing& timing = GetParam();
     PacketClock clock(timing.timeBase, timing.unit);
     Accumulator reference(timing.timeBase, timing.unit);
@@ -55,7 +55,7 @@ TEST_P(PacketClockOf, ManyPackets_are_numbered_as_by_carrying_a_fraction) {
     EXPECT_EQ(clock.units(), packets * timing.unitsPerPacket);
 }
 
-TEST_P(PacketClockOf, AnyCount_ticks_are_never_half_a_tick_away) {
+TEST_P(PacketClockOf, anyCount_ticksAreNeverHalfATickAway) {
     const Timing& timing = GetParam();
     const PacketClock clock(timing.timeBase, timing.unit);
     for (const std::int64_t units : {1, 2, 3, 7, 999, 123'457, 10'000'019}) {
@@ -86,14 +86,14 @@ INSTANTIATE_TEST_SUITE_P(Timings, PacketClockOf,
                                            Timing{"avi_wma", {743, 16000}, {1, 44100}, 2048}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST(PacketClock, New_stands_at_zero) {
+TEST(PacketClock, new_standsAtZero) {
     const PacketClock clock({1, 90000}, {1, 25});
     EXPECT_EQ(clock.units(), 0);
     EXPECT_EQ(clock.ticks(), 0);
     EXPECT_EQ(clock.seconds(), 0.0);
 }
 
-TEST(PacketClock, AudioPacketsOfManySizes_are_numbered_as_by_carrying_a_fraction) {
+TEST(PacketClock, audioPacketsOfManySizes_areNumberedAsByCarryingAFraction) {
     PacketClock clock({1, 1000}, {1, 44100});
     Accumulator reference({1, 1000}, {1, 44100});
     constexpr std::array<int, 5> samples{128, 576, 1024, 1, 0};
@@ -104,7 +104,7 @@ TEST(PacketClock, AudioPacketsOfManySizes_are_numbered_as_by_carrying_a_fraction
     }
 }
 
-TEST(PacketClock, OneHourAt2997_ends_at_the_exact_tick) {
+TEST(PacketClock, oneHourAt2997_endsAtTheExactTick) {
     PacketClock clock({1, 1000}, {1001, 30000});
     for (int i = 0; i < 107'892; ++i) {
         clock.advance(1);
@@ -112,7 +112,7 @@ TEST(PacketClock, OneHourAt2997_ends_at_the_exact_tick) {
     EXPECT_EQ(clock.ticks(), 3'599'996); // 107892 x 1001 / 30000 s = 3599.9964 s
 }
 
-TEST(PacketClock, AdvanceByMany_equals_as_many_single_steps) {
+TEST(PacketClock, advanceByMany_equalsAsManySingleSteps) {
     PacketClock single({1, 1000}, {1001, 24000});
     PacketClock many({1, 1000}, {1001, 24000});
     for (int i = 0; i < 1000; ++i) {
@@ -123,21 +123,21 @@ TEST(PacketClock, AdvanceByMany_equals_as_many_single_steps) {
     EXPECT_EQ(single.units(), many.units());
 }
 
-TEST(PacketClock, Seconds_are_ticks_in_the_time_base) {
+TEST(PacketClock, seconds_areTicksInTheTimeBase) {
     PacketClock clock({1, 12800}, {1, 25});
     clock.advance(38);
     EXPECT_EQ(clock.ticks(), 19'456);
     EXPECT_DOUBLE_EQ(clock.seconds(), 1.52);
 }
 
-TEST(PacketClock, NegativeUnits_lie_as_far_before_zero) {
+TEST(PacketClock, negativeUnits_lieAsFarBeforeZero) {
     const PacketClock clock({1, 90000}, {1001, 24000});
     for (const std::int64_t units : {1, 2, 3, 16, 1000}) {
         EXPECT_EQ(clock.ticksAt(-units), -clock.ticksAt(units));
     }
 }
 
-TEST(PacketClock, TicksAt_does_not_depend_on_what_was_written) {
+TEST(PacketClock, ticksAt_doesNotDependOnWhatWasWritten) {
     PacketClock clock({1, 1000}, {1, 30});
     const std::int64_t before = clock.ticksAt(7);
     clock.advance(100);
@@ -145,7 +145,7 @@ TEST(PacketClock, TicksAt_does_not_depend_on_what_was_written) {
     EXPECT_EQ(clock.ticks(), clock.ticksAt(100));
 }
 
-TEST(PacketClock, WithoutUsableRationals_stands_at_zero) {
+TEST(PacketClock, withoutUsableRationals_standsAtZero) {
     constexpr std::array<AVRational, 5> bad{{{0, 1}, {1, 0}, {0, 0}, {-1, 25}, {1, -25}}};
     for (const AVRational& rational : bad) {
         PacketClock badUnit({1, 90000}, rational);
@@ -160,7 +160,7 @@ TEST(PacketClock, WithoutUsableRationals_stands_at_zero) {
     EXPECT_EQ(PacketClock().ticks(), 0);
 }
 
-TEST(PacketClock, LargestRationals_are_multiplied_without_overflow) {
+TEST(PacketClock, largestRationals_areMultipliedWithoutOverflow) {
     constexpr int most = std::numeric_limits<int>::max();
     const PacketClock fine({1, most}, {most, 1});
     EXPECT_EQ(fine.ticksAt(1), static_cast<std::int64_t>(most) * most);

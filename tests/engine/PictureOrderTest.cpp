@@ -62,56 +62,56 @@ Times ranksOf(const Times& pts) {
     return ranks;
 }
 
-TEST(PictureOrder, Empty_gives_nothing) {
+TEST(PictureOrder, empty_givesNothing) {
     PictureOrder order;
     EXPECT_FALSE(order.next());
     order.finish();
     EXPECT_FALSE(order.next());
 }
 
-TEST(PictureOrder, PicturesCodedAsShown_are_numbered_in_turn) {
+TEST(PictureOrder, picturesCodedAsShown_areNumberedInTurn) {
     EXPECT_EQ(placesOf({0, 512, 1024, 1536, 2048}), (Times{0, 1, 2, 3, 4}));
 }
 
-TEST(PictureOrder, TwoBPictures_come_before_the_picture_they_were_coded_after) {
+TEST(PictureOrder, twoBPictures_comeBeforeThePictureTheyWereCodedAfter) {
     EXPECT_EQ(placesOf({0, 3, 1, 2, 6, 4, 5, 7}), (Times{0, 3, 1, 2, 6, 4, 5, 7}));
 }
 
-TEST(PictureOrder, PyramidOfBPictures_is_shown_in_order) {
+TEST(PictureOrder, pyramidOfBPictures_isShownInOrder) {
     EXPECT_EQ(placesOf({0, 120, 80, 40, 160, 280, 240, 200}), (Times{0, 3, 2, 1, 4, 7, 6, 5}));
 }
 
-TEST(PictureOrder, OpenGroup_leading_pictures_come_before_the_key_picture) {
+TEST(PictureOrder, openGroup_leadingPicturesComeBeforeTheKeyPicture) {
     EXPECT_EQ(placesOf({100, 30, 60, 190, 130, 160}), (Times{2, 0, 1, 5, 3, 4}));
 }
 
-TEST(PictureOrder, UnevenTimes_get_consecutive_places) {
+TEST(PictureOrder, unevenTimes_getConsecutivePlaces) {
     EXPECT_EQ(placesOf({-700, 5000, 13, 4999, 90000}), (Times{0, 3, 1, 2, 4}));
 }
 
-TEST(PictureOrder, EqualTimes_keep_coding_order) {
+TEST(PictureOrder, equalTimes_keepCodingOrder) {
     EXPECT_EQ(placesOf({0, 10, 10, 10, 5}), (Times{0, 2, 3, 4, 1}));
 }
 
-TEST(PictureOrder, NegativeAndHugeTimes_are_ordered) {
+TEST(PictureOrder, negativeAndHugeTimes_areOrdered) {
     constexpr std::int64_t far = INT64_C(1) << 62;
     EXPECT_EQ(placesOf({-far, far, 0, -1}), (Times{0, 3, 2, 1}));
 }
 
-TEST(PictureOrder, WithoutTimes_coding_order_is_kept) {
+TEST(PictureOrder, withoutTimes_codingOrderIsKept) {
     EXPECT_EQ(placesOf(Times(40, kNone)), ranksOf(placesOf(Times(40, kNone))));
     EXPECT_EQ(placesOf({kNone, kNone, kNone}), (Times{0, 1, 2}));
 }
 
-TEST(PictureOrder, WithDecodingTimesOnly_coding_order_is_kept) {
+TEST(PictureOrder, withDecodingTimesOnly_codingOrderIsKept) {
     EXPECT_EQ(placesOf({kNone, kNone, kNone, kNone}, {0, 40, 80, 120}), (Times{0, 1, 2, 3}));
 }
 
-TEST(PictureOrder, LonePictureWithoutTime_stays_with_the_one_before_it) {
+TEST(PictureOrder, lonePictureWithoutTime_staysWithTheOneBeforeIt) {
     EXPECT_EQ(placesOf({0, 40, kNone, 120, 160}), (Times{0, 1, 2, 3, 4}));
 }
 
-TEST(PictureOrder, Packets_come_out_in_coding_order_and_unchanged) {
+TEST(PictureOrder, packets_comeOutInCodingOrderAndUnchanged) {
     PictureOrder order;
     order.add(packet(0, -80, 0));
     order.add(packet(120, -40, 1));
@@ -129,7 +129,7 @@ TEST(PictureOrder, Packets_come_out_in_coding_order_and_unchanged) {
     EXPECT_FALSE(order.next());
 }
 
-TEST(PictureOrder, UncertainPlace_packet_is_held_until_the_end) {
+TEST(PictureOrder, uncertainPlace_packetIsHeldUntilTheEnd) {
     PictureOrder order;
     order.add(packet(0, kNone, 0));
     EXPECT_FALSE(order.next());
@@ -138,7 +138,7 @@ TEST(PictureOrder, UncertainPlace_packet_is_held_until_the_end) {
     EXPECT_FALSE(order.next());
 }
 
-TEST(PictureOrder, LongInput_holds_no_more_packets_than_can_be_reordered) {
+TEST(PictureOrder, longInput_holdsNoMorePacketsThanCanBeReordered) {
     PictureOrder order;
     std::int64_t held = 0;
     for (std::int64_t i = 0; i < 1000; ++i) {
@@ -151,7 +151,7 @@ TEST(PictureOrder, LongInput_holds_no_more_packets_than_can_be_reordered) {
     }
 }
 
-TEST(PictureOrder, SixteenPicturesOfReordering_are_put_in_order) {
+TEST(PictureOrder, sixteenPicturesOfReordering_arePutInOrder) {
     // The last shown is coded first, seventeen at a time.
     Times pts;
     for (std::int64_t group = 0; group < 50; ++group) {
@@ -175,7 +175,7 @@ Times randomCodingOrder(std::size_t pictures, std::mt19937& random) {
     return pts;
 }
 
-TEST(PictureOrder, AnyCodingOrder_places_are_the_display_order) {
+TEST(PictureOrder, anyCodingOrder_placesAreTheDisplayOrder) {
     std::mt19937 random(1); // the same sequence in every run
     for (int run = 0; run < 50; ++run) {
         const Times pts = randomCodingOrder(500, random);
@@ -183,24 +183,24 @@ TEST(PictureOrder, AnyCodingOrder_places_are_the_display_order) {
     }
 }
 
-TEST(PictureOrder, TimeThatJumpsBack_starts_a_new_sequence) {
+TEST(PictureOrder, timeThatJumpsBack_startsANewSequence) {
     const Times pts{1000, 1120, 1040, 1080, 0, 120, 40, 80};
     const Times dts{920, 960, 1000, 1040, -80, -40, 0, 40};
     EXPECT_EQ(placesOf(pts, dts, {0, 4}), (Times{0, 3, 1, 2, 4, 7, 5, 6}));
 }
 
 // Where a container stores display times only, decoding times may be no more than their copies.
-TEST(PictureOrder, DecodingTimesThatGoBackAndForth_do_not_matter) {
+TEST(PictureOrder, decodingTimesThatGoBackAndForth_doNotMatter) {
     const Times pts{20, 140, 100, 60, 260, 220, 180};
     EXPECT_EQ(placesOf(pts, pts, {0}), (Times{0, 3, 2, 1, 6, 5, 4}));
 }
 
-TEST(PictureOrder, OpenGroups_leading_pictures_begin_no_new_sequence) {
+TEST(PictureOrder, openGroups_leadingPicturesBeginNoNewSequence) {
     const Times pts{100, 20, 60, 220, 140, 180, 340, 260, 300};
     EXPECT_EQ(placesOf(pts, {}, {0, 3, 6}), (Times{2, 0, 1, 5, 3, 4, 8, 6, 7}));
 }
 
-TEST(PictureOrder, AfterTheEnd_further_packets_are_placed_behind) {
+TEST(PictureOrder, afterTheEnd_furtherPacketsArePlacedBehind) {
     PictureOrder order;
     Times places;
     order.add(packet(100, kNone, 0));
@@ -214,7 +214,7 @@ TEST(PictureOrder, AfterTheEnd_further_packets_are_placed_behind) {
     EXPECT_EQ(places, (Times{1, 0, 3, 2}));
 }
 
-TEST(PictureOrder, LongInput_every_place_is_given_once) {
+TEST(PictureOrder, longInput_everyPlaceIsGivenOnce) {
     std::mt19937 random(2); // the same sequence in every run
     Times pts = randomCodingOrder(100'000, random);
     for (std::size_t i = 0; i < pts.size(); i += 11) {

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(NestedFiles, PartsInTheFolderOrBelow_are_read) {
+TEST_F(NestedFiles, partsInTheFolderOrBelow_areRead) {
     const Bytes expected = videoBytesOf(part_);
     ASSERT_FALSE(expected.empty());
     for (const std::string& name : std::vector<std::string>{
@@ -24,7 +24,7 @@ TEST_F(NestedFiles, PartsInTheFolderOrBelow_are_read) {
     }
 }
 
-TEST_F(NestedFiles, SeveralParts_are_cut_and_previewed) {
+TEST_F(NestedFiles, severalParts_areCutAndPreviewed) {
     const std::string list = listOf({"part.ts", "below/part.ts"});
     const std::size_t pictures = packetsOf(part_, "v:0").size();
 
@@ -38,7 +38,7 @@ TEST_F(NestedFiles, SeveralParts_are_cut_and_previewed) {
     EXPECT_TRUE(fs::exists(engine_.snapshotPath));
 }
 
-TEST_F(NestedFiles, PartsOutside_are_not_opened) {
+TEST_F(NestedFiles, partsOutside_areNotOpened) {
     const OpenWatch secret(secret_);
     const OpenWatch beside(inside_ + "-not/secret.ts");
     for (const std::string& name : std::vector<std::string>{
@@ -53,7 +53,7 @@ TEST_F(NestedFiles, PartsOutside_are_not_opened) {
     EXPECT_FALSE(beside.hasSeenOpening());
 }
 
-TEST_F(NestedFiles, PartOutsideAmongOthers_is_left_out) {
+TEST_F(NestedFiles, partOutsideAmongOthers_isLeftOut) {
     const Bytes expected = videoBytesOf(part_);
     const std::size_t pictures = packetsOf(part_, "v:0").size();
     const OpenWatch secret(secret_);
@@ -64,7 +64,7 @@ TEST_F(NestedFiles, PartOutsideAmongOthers_is_left_out) {
     EXPECT_FALSE(secret.hasSeenOpening());
 }
 
-TEST_F(NestedFiles, Refusal_is_logged_with_input_and_name) {
+TEST_F(NestedFiles, refusal_isLoggedWithInputAndName) {
     const std::string list = listOf({"to-secret.ts"});
     AtLogLine refusal(list + ": open nested file " + inside_ + "/to-secret.ts: Permission denied",
                       [](int) {});
@@ -72,7 +72,7 @@ TEST_F(NestedFiles, Refusal_is_logged_with_input_and_name) {
     EXPECT_EQ(refusal.seen(), 1);
 }
 
-TEST_F(NestedFiles, KeyOutside_is_not_opened) {
+TEST_F(NestedFiles, keyOutside_isNotOpened) {
     const std::string key = outside_ + "/key.ts";
     writeFile(key, "0123456789abcdef");
     const OpenWatch watch(key);
@@ -82,7 +82,7 @@ TEST_F(NestedFiles, KeyOutside_is_not_opened) {
     EXPECT_FALSE(watch.hasSeenOpening());
 }
 
-TEST_F(NestedFiles, ListOfListsOutside_is_not_opened) {
+TEST_F(NestedFiles, listOfListsOutside_isNotOpened) {
     writeFile(outside_ + "/list.m3u8", playList({"secret.ts"}));
     const OpenWatch watch(outside_ + "/list.m3u8");
     writeFile(list_, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1000\n../outside/list.m3u8\n");
@@ -90,7 +90,7 @@ TEST_F(NestedFiles, ListOfListsOutside_is_not_opened) {
     EXPECT_FALSE(watch.hasSeenOpening());
 }
 
-TEST_F(NestedFiles, ListNamedLikeAnAddress_finds_its_parts) {
+TEST_F(NestedFiles, listNamedLikeAnAddress_findsItsParts) {
     const Bytes expected = videoBytesOf(part_);
     const fs::path before = fs::current_path();
     fs::current_path(inside_);
@@ -101,7 +101,7 @@ TEST_F(NestedFiles, ListNamedLikeAnAddress_finds_its_parts) {
     fs::current_path(before);
 }
 
-TEST_F(NestedFiles, ListsThatLeadBackToThemselves_come_to_an_end) {
+TEST_F(NestedFiles, listsThatLeadBackToThemselves_comeToAnEnd) {
     const std::string variant = "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\n";
     writeFile(list_, variant + "list.m3u8\n");
     EXPECT_TRUE(videoBytesOf(list_).empty());
@@ -110,14 +110,14 @@ TEST_F(NestedFiles, ListsThatLeadBackToThemselves_come_to_an_end) {
     EXPECT_TRUE(videoBytesOf(list_).empty());
 }
 
-TEST_F(NestedFiles, ListOfLists_is_read) {
+TEST_F(NestedFiles, listOfLists_isRead) {
     writeFile(inside_ + "/small.m3u8", playList({"part.ts"}));
     writeFile(list_, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\nsmall.m3u8\n");
     EXPECT_TRUE(videoBytesOf(list_) == videoBytesOf(part_));
 }
 
 // Their reader would wait for what is never added.
-TEST_F(NestedFiles, ListWithoutAnEnd_is_refused) {
+TEST_F(NestedFiles, listWithoutAnEnd_isRefused) {
     const std::string endless = "#EXTM3U\n#EXT-X-TARGETDURATION:100000\n#EXTINF:2,\npart.ts\n";
     writeFile(list_, endless);
     expectUnusable(list_);
@@ -128,7 +128,7 @@ TEST_F(NestedFiles, ListWithoutAnEnd_is_refused) {
     expectUnusable(list_);
 }
 
-TEST_F(NestedFiles, OutputThatMayBeAPart_is_refused_and_kept) {
+TEST_F(NestedFiles, outputThatMayBeAPart_isRefusedAndKept) {
     const std::string list = listOf({"part.ts", "below/part.ts"});
     for (const std::string& output : {part_, inside_ + "/below/part.ts"}) {
         const Bytes before = readFile(output);
@@ -141,7 +141,7 @@ TEST_F(NestedFiles, OutputThatMayBeAPart_is_refused_and_kept) {
     EXPECT_EQ(cut(list, 0, 100'000, inside_ + "/new.ts").states, std::vector{1});
 }
 
-TEST_F(NestedFiles, Closed_leaves_no_descriptor_open) {
+TEST_F(NestedFiles, closed_leavesNoDescriptorOpen) {
     const std::string list = listOf({"part.ts", "below/part.ts"});
     const std::string broken = listOf({"part.ts", secret_});
     const std::size_t before = openDescriptors();
@@ -156,7 +156,7 @@ TEST_F(NestedFiles, Closed_leaves_no_descriptor_open) {
 
 // Demuxers that open what they name without asking.
 
-TEST_F(NestedFiles, ListOfTheConcatDemuxer_opens_nothing) {
+TEST_F(NestedFiles, listOfTheConcatDemuxer_opensNothing) {
     const OpenWatch secret(secret_);
     const OpenWatch part(part_);
     writeFile(inside_ + "/abs.m3u8", playList({secret_}));
@@ -171,7 +171,7 @@ TEST_F(NestedFiles, ListOfTheConcatDemuxer_opens_nothing) {
     EXPECT_FALSE(part.hasSeenOpening());
 }
 
-TEST_F(NestedFiles, DashManifest_opens_nothing) {
+TEST_F(NestedFiles, dashManifest_opensNothing) {
     const std::string secret = outside_ + "/secret.mp4";
     fs::copy_file(mediaPath("mpeg4.mp4"), secret);
     const OpenWatch watch(secret);

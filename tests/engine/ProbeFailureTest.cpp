@@ -35,14 +35,14 @@ private:
     std::size_t descriptors_ = 0;
 };
 
-TEST_F(ProbeFailure, FileThatIsNoMedia_is_not_opened) {
+TEST_F(ProbeFailure, fileThatIsNoMedia_isNotOpened) {
     for (const char* name : {"text.mp4", "empty.mp4", "truncated.mp4"}) {
         EXPECT_EQ(probeOf(mediaPath(name)), -1) << name;
         expectNoStreams();
     }
 }
 
-TEST_F(ProbeFailure, MissingFile_is_not_opened) {
+TEST_F(ProbeFailure, missingFile_isNotOpened) {
     const TemporaryFolder folder;
     EXPECT_EQ(probeOf(folder / "missing.mp4"), -1);
     EXPECT_EQ(probeOf(""), -1);
@@ -52,25 +52,25 @@ TEST_F(ProbeFailure, MissingFile_is_not_opened) {
     expectNoStreams();
 }
 
-TEST_F(ProbeFailure, Directory_is_not_opened) {
+TEST_F(ProbeFailure, directory_isNotOpened) {
     const TemporaryFolder folder;
     EXPECT_EQ(probeOf(folder.path()), -1);
     EXPECT_EQ(probeOf("/"), -1);
 }
 
-TEST_F(ProbeFailure, Pipe_is_not_waited_for) {
+TEST_F(ProbeFailure, pipe_isNotWaitedFor) {
     const TemporaryFolder folder;
     const std::string pipe = folder / "pipe.mp4";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(probeOf(pipe), -1);
 }
 
-TEST_F(ProbeFailure, Device_is_not_opened) {
+TEST_F(ProbeFailure, device_isNotOpened) {
     EXPECT_EQ(probeOf("/dev/zero"), -1);
     EXPECT_EQ(probeOf("/dev/null"), -1);
 }
 
-TEST_F(ProbeFailure, UnreadableFile_is_not_opened) {
+TEST_F(ProbeFailure, unreadableFile_isNotOpened) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "the superuser reads every file";
     }
@@ -80,12 +80,12 @@ TEST_F(ProbeFailure, UnreadableFile_is_not_opened) {
     EXPECT_EQ(probeOf(path), -1);
 }
 
-TEST_F(ProbeFailure, PicturesThatCannotBe_give_no_stream_info) {
+TEST_F(ProbeFailure, picturesThatCannotBe_giveNoStreamInfo) {
     EXPECT_EQ(probeOf(mediaPath("impossible-pictures.ivf")), -2);
     expectNoStreams();
 }
 
-TEST_F(ProbeFailure, VideoOfUnknownCodec_has_no_decoder) {
+TEST_F(ProbeFailure, videoOfUnknownCodec_hasNoDecoder) {
     EXPECT_EQ(probeOf(mediaPath("unknown-codec.avi")), -4);
     EXPECT_EQ(engine().streamCount, 2);
     EXPECT_EQ(engine().videoStreamIndex, 0);
@@ -94,19 +94,19 @@ TEST_F(ProbeFailure, VideoOfUnknownCodec_has_no_decoder) {
     EXPECT_EQ(engine().streamCount, 1);
 }
 
-TEST_F(ProbeFailure, DamagedDecoderHeader_decoder_does_not_open) {
+TEST_F(ProbeFailure, damagedDecoderHeader_decoderDoesNotOpen) {
     EXPECT_EQ(probeOf(mediaPath("damaged-decoder-header.avi")), -5);
     EXPECT_EQ(engine().streamCount, 1);
     EXPECT_EQ(engine().videoStreamIndex, 0);
 }
 
-TEST_F(ProbeFailure, AfterAFailure_next_file_is_probed_as_ever) {
+TEST_F(ProbeFailure, afterAFailure_nextFileIsProbedAsEver) {
     EXPECT_EQ(probeOf(mediaPath("damaged-decoder-header.avi")), -5);
     EXPECT_EQ(probeOf(mediaPath("h264.mp4")), 0);
     EXPECT_EQ(engine().sourceWidth, 320);
 }
 
-TEST_F(ProbeFailure, AllMedia_leave_no_descriptor_open) {
+TEST_F(ProbeFailure, allMedia_leaveNoDescriptorOpen) {
     for (const std::string& name : readableMedia()) {
         const std::string path = mediaPath(name);
         const std::size_t before = openDescriptors();

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 class ProbeOfName : public Probe, public ::testing::WithParamInterface<std::string> {};
 
-TEST_P(ProbeOfName, AnyName_is_opened) {
+TEST_P(ProbeOfName, anyName_isOpened) {
     const TemporaryFolder folder;
     const std::string path = folder / GetParam();
     fs::copy_file(mediaPath("h264.mp4"), path);
@@ -32,7 +32,7 @@ INSTANTIATE_TEST_SUITE_P(Names, ProbeOfName,
                                            "वीडियो.mp4", "🎬.mp4", "not utf-8 \xff\xfe.mp4",
                                            "no extension", "wrong.txt", "misleading.png"));
 
-TEST_F(Probe, RelativeNameWithColon_is_a_plain_name) {
+TEST_F(Probe, relativeNameWithColon_isAPlainName) {
     const TemporaryFolder folder;
     fs::copy_file(mediaPath("h264.mp4"), folder / "file:x.mp4");
     fs::copy_file(mediaPath("h264.mp4"), folder / "data:x.mp4");
@@ -44,7 +44,7 @@ TEST_F(Probe, RelativeNameWithColon_is_a_plain_name) {
     fs::current_path(before);
 }
 
-TEST_F(Probe, Link_is_followed) {
+TEST_F(Probe, link_isFollowed) {
     const TemporaryFolder folder;
     fs::create_symlink(mediaPath("h264.mp4"), folder / "link.mp4");
     EXPECT_EQ(probeOf(folder / "link.mp4"), 0);

@@ -128,7 +128,7 @@ void ProbeOf::expectDuration(const json& format) {
     EXPECT_EQ(engine().durationSeconds, expected / 1'000'000);
 }
 
-TEST_P(ProbeOf, EveryField_is_what_ffprobe_says) {
+TEST_P(ProbeOf, everyField_isWhatFfprobeSays) {
     const std::string path = mediaPath(GetParam());
     const json shown = ffprobeJson(path, arguments(path));
 

@@ -12,7 +12,7 @@ extern "C" {
 namespace velmora::test {
 namespace {
 
-TEST_F(Probe, SameFileTwice_says_the_same) {
+TEST_F(Probe, sameFileTwice_saysTheSame) {
     const std::string path = mediaPath("h264-bframes.mp4");
     ASSERT_EQ(probeOf(path), 0);
     const std::int64_t durationUs = engine().durationUs;
@@ -22,21 +22,21 @@ TEST_F(Probe, SameFileTwice_says_the_same) {
     EXPECT_EQ(engine().sourceWidth, 320);
 }
 
-TEST_F(Probe, ThirtyThousandPicturesPerSecond_are_29_with_denominator_1001) {
+TEST_F(Probe, thirtyThousandPicturesPerSecond_are29WithDenominator1001) {
     ASSERT_EQ(probeOf(mediaPath("rate-30000.mp4")), 0);
     EXPECT_EQ(engine().sourceFrameRate, 29.0);
     EXPECT_EQ(engine().sourceFrameRateNum, 30000);
     EXPECT_EQ(engine().sourceFrameRateDen, 1001);
 }
 
-TEST_F(Probe, OneThousandPicturesPerSecond_stay_so) {
+TEST_F(Probe, oneThousandPicturesPerSecond_staySo) {
     ASSERT_EQ(probeOf(mediaPath("rate-1000.mp4")), 0);
     EXPECT_EQ(engine().sourceFrameRate, 1000.0);
     EXPECT_EQ(engine().sourceFrameRateNum, 1000);
     EXPECT_EQ(engine().sourceFrameRateDen, 1);
 }
 
-TEST_F(Probe, NtscRates_are_whole_numbers_beside_their_fraction) {
+TEST_F(Probe, ntscRates_areWholeNumbersBesideTheirFraction) {
     ASSERT_EQ(probeOf(mediaPath("h264-2997.mp4")), 0);
     EXPECT_EQ(engine().sourceFrameRate, 29.0);
     EXPECT_EQ(engine().sourceFrameRateNum, 30000);
@@ -47,7 +47,7 @@ TEST_F(Probe, NtscRates_are_whole_numbers_beside_their_fraction) {
     EXPECT_EQ(engine().sourceFrameRateDen, 1001);
 }
 
-TEST_F(Probe, AudioOnlyFile_gives_zero_size_and_keeps_the_old_rate) {
+TEST_F(Probe, audioOnlyFile_givesZeroSizeAndKeepsTheOldRate) {
     ASSERT_EQ(probeOf(mediaPath("h264-2997.mp4")), 0);
     ASSERT_EQ(probeOf(mediaPath("audio-only.m4a")), 0);
     EXPECT_EQ(engine().sourceWidth, 0);
@@ -60,7 +60,7 @@ TEST_F(Probe, AudioOnlyFile_gives_zero_size_and_keeps_the_old_rate) {
     EXPECT_EQ(engine().audioCodecId, AV_CODEC_ID_AAC);
 }
 
-TEST_F(Probe, VideoOnlyFile_gives_zeros_for_the_sound) {
+TEST_F(Probe, videoOnlyFile_givesZerosForTheSound) {
     ASSERT_EQ(probeOf(mediaPath("h264.mp4")), 0);
     ASSERT_EQ(probeOf(mediaPath("video-only.mp4")), 0);
     EXPECT_EQ(engine().audioStreamIndex, -1);
@@ -71,7 +71,7 @@ TEST_F(Probe, VideoOnlyFile_gives_zeros_for_the_sound) {
     EXPECT_EQ(engine().streamCount, 1);
 }
 
-TEST_F(Probe, SeveralStreamsOfAType_last_of_each_counts) {
+TEST_F(Probe, severalStreamsOfAType_lastOfEachCounts) {
     ASSERT_EQ(probeOf(mediaPath("two-streams.mkv")), 0);
     EXPECT_EQ(engine().streamCount, 4);
     EXPECT_EQ(engine().videoStreamIndex, 2);
@@ -84,7 +84,7 @@ TEST_F(Probe, SeveralStreamsOfAType_last_of_each_counts) {
     EXPECT_EQ(engine().audioSampleRate, 48000);
 }
 
-TEST_F(Probe, Cover_is_no_video_but_counts_as_a_stream) {
+TEST_F(Probe, cover_isNoVideoButCountsAsAStream) {
     for (const char* name : {"cover.mp3", "cover.m4a"}) {
         ASSERT_EQ(probeOf(mediaPath(name)), 0) << name;
         EXPECT_EQ(engine().streamCount, 2) << name;
@@ -94,7 +94,7 @@ TEST_F(Probe, Cover_is_no_video_but_counts_as_a_stream) {
     }
 }
 
-TEST_F(Probe, CoverAfterTheVideo_video_counts) {
+TEST_F(Probe, coverAfterTheVideo_videoCounts) {
     for (const char* name : {"cover.mp4", "cover.mkv"}) {
         ASSERT_EQ(probeOf(mediaPath(name)), 0) << name;
         EXPECT_EQ(engine().streamCount, 3) << name;
@@ -106,7 +106,7 @@ TEST_F(Probe, CoverAfterTheVideo_video_counts) {
     }
 }
 
-TEST_F(Probe, UnknownDuration_gives_negative_seconds) {
+TEST_F(Probe, unknownDuration_givesNegativeSeconds) {
     for (const char* name : {"raw.h264", "raw.m4v", "piped.mkv", "pixel.png"}) {
         ASSERT_EQ(probeOf(mediaPath(name)), 0) << name;
         EXPECT_EQ(engine().durationUs, AV_NOPTS_VALUE) << name;
@@ -115,7 +115,7 @@ TEST_F(Probe, UnknownDuration_gives_negative_seconds) {
     }
 }
 
-TEST_F(Probe, DurationWithFraction_seconds_are_truncated) {
+TEST_F(Probe, durationWithFraction_secondsAreTruncated) {
     ASSERT_EQ(probeOf(mediaPath("mpeg4.avi")), 0);
     EXPECT_EQ(engine().durationUs, 4'048'980);
     EXPECT_EQ(engine().durationSeconds, 4);
@@ -124,7 +124,7 @@ TEST_F(Probe, DurationWithFraction_seconds_are_truncated) {
     EXPECT_EQ(engine().durationSeconds, 0);
 }
 
-TEST_F(Probe, OddSize_is_told_as_it_is) {
+TEST_F(Probe, oddSize_isToldAsItIs) {
     ASSERT_EQ(probeOf(mediaPath("odd-size.avi")), 0);
     EXPECT_EQ(engine().sourceWidth, 321);
     EXPECT_EQ(engine().sourceHeight, 241);
@@ -133,20 +133,20 @@ TEST_F(Probe, OddSize_is_told_as_it_is) {
     EXPECT_EQ(engine().sourceHeight, 99);
 }
 
-TEST_F(Probe, RotatedPictures_size_is_that_of_the_coded_ones) {
+TEST_F(Probe, rotatedPictures_sizeIsThatOfTheCodedOnes) {
     ASSERT_EQ(probeOf(mediaPath("tagged-rotated.mp4")), 0);
     EXPECT_EQ(engine().sourceWidth, 320);
     EXPECT_EQ(engine().sourceHeight, 180);
 }
 
 // Cancelling a run does not reach the main thread's probe.
-TEST_F(Probe, StopRequested_does_not_end_it) {
+TEST_F(Probe, stopRequested_doesNotEndIt) {
     engine().stopRequested = 1;
     EXPECT_EQ(probeOf(mediaPath("h264.mp4")), 0);
     EXPECT_EQ(engine().stopRequested, 1);
 }
 
-TEST_F(Probe, JobTable_is_left_alone) {
+TEST_F(Probe, jobTable_isLeftAlone) {
     engine().currentIndex = 3;
     engine().currentPercent = 44;
     engine().startTimes[3] = 1.25;

@@ -26,7 +26,7 @@ double lumaOf(const std::string& path) {
 class ReencodeRange : public Reencode, public testing::WithParamInterface<const char*> {};
 
 // White is 255 in full range and 235 in the range that the output is in.
-TEST_P(ReencodeRange, FullRangeSource_becomes_limited) {
+TEST_P(ReencodeRange, fullRangeSource_becomesLimited) {
     const std::string white =
         mediaMadeBy(std::string("-f lavfi -i color=white:size=160x120:rate=25:duration=1,"
                                 "scale=out_range=full,format=") +
@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, ReencodeRange,
                          testing::Values("yuv420p", "yuv420p10le", "yuv444p"),
                          [](const auto& made) { return std::string(made.param); });
 
-TEST_F(Reencode, RgbSource_is_tagged_by_a_matrix_that_players_know) {
+TEST_F(Reencode, rgbSource_isTaggedByAMatrixThatPlayersKnow) {
     const std::string red = mediaMadeBy(
         "-f lavfi -i color=red:size=160x120:rate=25:duration=1 -pix_fmt bgr0 -c:v ffv1", "red.mkv");
     const std::string output = folder_ / "out.mp4";
@@ -72,16 +72,16 @@ protected:
     }
 };
 
-TEST_F(ReencodeOfRgb, smallPictures_have_the_matrix_of_standard_definition) {
+TEST_F(ReencodeOfRgb, smallPictures_haveTheMatrixOfStandardDefinition) {
     EXPECT_EQ(colourSpaceAt(160, 120), "smpte170m");
     EXPECT_EQ(colourSpaceAt(160, 718), "smpte170m");
 }
 
-TEST_F(ReencodeOfRgb, largePictures_have_the_matrix_of_high_definition) {
+TEST_F(ReencodeOfRgb, largePictures_haveTheMatrixOfHighDefinition) {
     EXPECT_EQ(colourSpaceAt(160, 720), "bt709");
 }
 
-TEST_F(Reencode, sourceWithAMatrix_keeps_it) {
+TEST_F(Reencode, sourceWithAMatrix_keepsIt) {
     const std::string source = mediaMadeBy(
         "-f lavfi -i testsrc2=size=64x48:rate=25:duration=0.4 -c:v mpeg2video -colorspace bt470bg",
         "bt470bg.mpg");

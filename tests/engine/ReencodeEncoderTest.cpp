@@ -23,7 +23,7 @@ std::string codedPictures(const std::string& path) {
 class ReencodeX264 : public ReencodeEncoder, public testing::WithParamInterface<const char*> {};
 
 // The encoder writes its options into the stream.
-TEST_P(ReencodeX264, Option_is_in_the_stream) {
+TEST_P(ReencodeX264, option_isInTheStream) {
     engine_.videoWidth = 320; // enough for four slices
     engine_.videoHeight = 256;
 
@@ -54,7 +54,7 @@ void PrintTo(const Headers& headers, std::ostream* out) {
 class ReencodeHeaders : public ReencodeEncoder, public testing::WithParamInterface<Headers> {};
 
 // Containers that keep the headers of the pictures themselves get pictures without.
-TEST_P(ReencodeHeaders, Headers_are_where_the_container_wants_them) {
+TEST_P(ReencodeHeaders, headers_areWhereTheContainerWantsThem) {
     constexpr std::string_view kLayerHeader("\0\0\1\x20", 4); // of MPEG-4
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3);
 

@@ -44,14 +44,14 @@ protected:
     std::atomic<int> calls_{0};
 };
 
-TEST_F(ReencodeFaults, WithoutAny_all_is_written) {
+TEST_F(ReencodeFaults, withoutAny_allIsWritten) {
     EXPECT_EQ(cutWith({}).states, std::vector{1});
 
     EXPECT_EQ(pictures(), kPictures);
     EXPECT_EQ(sounds(), kSounds);
 }
 
-TEST_F(ReencodeFaults, PictureThatCannotBeWritten_ends_the_input_and_fails_it) {
+TEST_F(ReencodeFaults, pictureThatCannotBeWritten_endsTheInputAndFailsIt) {
     const auto result = cutWith({.write = [this](const AVPacket& packet) {
         return packet.stream_index == kVideo && ++calls_ == 10;
     }});
@@ -61,7 +61,7 @@ TEST_F(ReencodeFaults, PictureThatCannotBeWritten_ends_the_input_and_fails_it) {
     EXPECT_LT(sounds(), kSounds);
 }
 
-TEST_F(ReencodeFaults, SoundThatCannotBeWritten_fails_the_input_which_goes_on) {
+TEST_F(ReencodeFaults, soundThatCannotBeWritten_failsTheInputWhichGoesOn) {
     for (const int failing : {1, 10, static_cast<int>(kSounds)}) { // the last one is of the drain
         calls_ = 0;
         const auto result = cutWith({.write = [&](const AVPacket& packet) {
@@ -75,7 +75,7 @@ TEST_F(ReencodeFaults, SoundThatCannotBeWritten_fails_the_input_which_goes_on) {
 }
 
 // This encoder holds several packets back.
-TEST_F(ReencodeFaults, SoundOfTheDrainThatCannotBeWritten_takes_no_other_with_it) {
+TEST_F(ReencodeFaults, soundOfTheDrainThatCannotBeWritten_takesNoOtherWithIt) {
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_VORBIS);
     EXPECT_EQ(cutWith({}).states, std::vector{1});
     const auto all = static_cast<int>(sounds());
@@ -90,7 +90,7 @@ TEST_F(ReencodeFaults, SoundOfTheDrainThatCannotBeWritten_takes_no_other_with_it
     }
 }
 
-TEST_F(ReencodeFaults, NoSoundThatCanBeWritten_leaves_the_pictures) {
+TEST_F(ReencodeFaults, noSoundThatCanBeWritten_leavesThePictures) {
     const auto result =
         cutWith({.write = [](const AVPacket& packet) { return packet.stream_index == kAudio; }});
 
@@ -101,7 +101,7 @@ TEST_F(ReencodeFaults, NoSoundThatCanBeWritten_leaves_the_pictures) {
 
 // The decoder holds two pictures when the clock has reached the end: the second is tried all the
 // same.
-TEST_F(ReencodeFaults, PictureOfTheDrainThatCannotBeWritten_fails_the_input) {
+TEST_F(ReencodeFaults, pictureOfTheDrainThatCannotBeWritten_failsTheInput) {
     const std::string source = mediaPath("h264-bframes.mp4");
     ASSERT_EQ(fieldsOf(source, "v:0").at("has_b_frames"), 2);
     const FaultyMedia faults({.write = [this](const AVPacket& packet) {
@@ -113,7 +113,7 @@ TEST_F(ReencodeFaults, PictureOfTheDrainThatCannotBeWritten_fails_the_input) {
     EXPECT_EQ(pictures(), 31U);
 }
 
-TEST_F(ReencodeFaults, ChunkThatCannotBeEncoded_fails_the_input_which_goes_on) {
+TEST_F(ReencodeFaults, chunkThatCannotBeEncoded_failsTheInputWhichGoesOn) {
     const auto result = cutWith({.encode = [this](const AVCodecContext& encoder, const AVFrame*) {
         return encoder.codec_type == AVMEDIA_TYPE_AUDIO && ++calls_ == 10;
     }});
@@ -123,7 +123,7 @@ TEST_F(ReencodeFaults, ChunkThatCannotBeEncoded_fails_the_input_which_goes_on) {
     EXPECT_EQ(sounds(), kSounds - 1);
 }
 
-TEST_F(ReencodeFaults, SoundThatCannotBeDrained_fails_the_input) {
+TEST_F(ReencodeFaults, soundThatCannotBeDrained_failsTheInput) {
     const auto result = cutWith({.encode = [](const AVCodecContext& encoder, const AVFrame* frame) {
         return encoder.codec_type == AVMEDIA_TYPE_AUDIO && frame == nullptr;
     }});
@@ -133,7 +133,7 @@ TEST_F(ReencodeFaults, SoundThatCannotBeDrained_fails_the_input) {
     EXPECT_EQ(sounds(), kSounds - 2); // which the encoder still held
 }
 
-TEST_F(ReencodeFaults, PictureThatCannotBeEncoded_is_left_out) {
+TEST_F(ReencodeFaults, pictureThatCannotBeEncoded_isLeftOut) {
     const auto result = cutWith({.encode = [this](const AVCodecContext& encoder, const AVFrame*) {
         return encoder.codec_type == AVMEDIA_TYPE_VIDEO && ++calls_ == 10;
     }});
@@ -147,7 +147,7 @@ bool isResampled(const AVFrame& frame) {
     return frame.nb_samples > 0 && frame.nb_samples != chunk;
 }
 
-TEST_F(ReencodeFaults, NoMemoryForResampledSound_ends_the_input_and_fails_it) {
+TEST_F(ReencodeFaults, noMemoryForResampledSound_endsTheInputAndFailsIt) {
     const auto result = cutWith(
         {.allocate = [this](const AVFrame& frame) { return isResampled(frame) && ++calls_ == 5; }});
 
@@ -156,7 +156,7 @@ TEST_F(ReencodeFaults, NoMemoryForResampledSound_ends_the_input_and_fails_it) {
     EXPECT_LT(sounds(), 20U);
 }
 
-TEST_F(ReencodeFaults, NoMemoryForAChunk_fails_the_input_which_goes_on) {
+TEST_F(ReencodeFaults, noMemoryForAChunk_failsTheInputWhichGoesOn) {
     const auto result = cutWith({.allocate = [this](const AVFrame& frame) {
         return frame.nb_samples == 1024 && ++calls_ == 5;
     }});
@@ -166,7 +166,7 @@ TEST_F(ReencodeFaults, NoMemoryForAChunk_fails_the_input_which_goes_on) {
     EXPECT_LT(sounds(), kSounds);
 }
 
-TEST_F(ReencodeFaults, NoMemoryForAPicture_fails_the_input) {
+TEST_F(ReencodeFaults, noMemoryForAPicture_failsTheInput) {
     engine_.videoWidth = 96; // so that it is scaled
     const auto result = cutWith(
         {.allocate = [this](const AVFrame& frame) { return frame.width > 0 && ++calls_ == 5; }});
@@ -175,7 +175,7 @@ TEST_F(ReencodeFaults, NoMemoryForAPicture_fails_the_input) {
     EXPECT_EQ(pictures(), 4U);
 }
 
-TEST_F(ReencodeFaults, NoMemoryInTheQueue_leaves_the_sound_out) {
+TEST_F(ReencodeFaults, noMemoryInTheQueue_leavesTheSoundOut) {
     const auto result = cutWith({.queue = [this](int) { return ++calls_ == 5; }});
 
     EXPECT_EQ(result.states, std::vector{1});
@@ -184,7 +184,7 @@ TEST_F(ReencodeFaults, NoMemoryInTheQueue_leaves_the_sound_out) {
 }
 
 // With nothing to write, the silence of a join would never end.
-TEST_F(ReencodeFaults, NoMemoryForSilence_fails_the_input) {
+TEST_F(ReencodeFaults, noMemoryForSilence_failsTheInput) {
     const std::string mute = mediaMadeBy(
         "-f lavfi -i testsrc2=size=64x48:rate=25:duration=1 -c:v mpeg4", "faults-mute.mkv");
     const FaultyMedia faults(

@@ -14,7 +14,7 @@ extern "C" {
 namespace velmora::test {
 namespace {
 
-TEST_F(Reencode, Join_takes_inputs_that_differ_in_everything) {
+TEST_F(Reencode, join_takesInputsThatDifferInEverything) {
     const std::vector<std::string> inputs = {mediaPath("h264.mp4"), mediaPath("mpeg4.avi"),
                                              mediaPath("hevc.mp4"), mediaPath("vorbis.mkv")};
     const std::string output = folder_ / "out.mp4";
@@ -29,7 +29,7 @@ TEST_F(Reencode, Join_takes_inputs_that_differ_in_everything) {
     EXPECT_TRUE(ffmpegDecodesClean(output));
 }
 
-TEST_F(Reencode, JoinOfEqualRates_keeps_sound_and_picture_together) {
+TEST_F(Reencode, joinOfEqualRates_keepsSoundAndPictureTogether) {
     const std::string source = mediaPath("h264.mp4");
     const std::string output = folder_ / "out.mp4";
 
@@ -45,14 +45,14 @@ TEST_F(Reencode, JoinOfEqualRates_keeps_sound_and_picture_together) {
     }
 }
 
-TEST_F(Reencode, LaterInputWithSound_fails_where_the_first_had_none) {
+TEST_F(Reencode, laterInputWithSound_failsWhereTheFirstHadNone) {
     const std::string output = folder_ / "out.mp4";
 
     EXPECT_EQ(join({mediaPath("video-only.mp4"), mediaPath("h264.mp4")}, output).states,
               (std::vector{1, 2}));
 }
 
-TEST_F(ReencodeEncoder, SecondCutInput_stops_at_once) {
+TEST_F(ReencodeEncoder, secondCutInput_stopsAtOnce) {
     const std::string once = folder_ / "once.mp4";
     const std::string twice = folder_ / "twice.mp4";
     ASSERT_EQ(cut(smallSource(), 0, 500, once).states, std::vector{1});
@@ -69,7 +69,7 @@ TEST_F(ReencodeEncoder, SecondCutInput_stops_at_once) {
     EXPECT_TRUE(readFile(twice) == readFile(once));
 }
 
-TEST_F(ReencodeEncoder, Percent_of_a_join_without_length_is_all_once_something_is_written) {
+TEST_F(ReencodeEncoder, percent_ofAJoinWithoutLengthIsAllOnceSomethingIsWritten) {
     const std::string output = folder_ / "out.mp4";
     fillJoin({smallSource(), smallSource()}, output);
     choose(AV_CODEC_ID_H264, AV_CODEC_ID_AAC);

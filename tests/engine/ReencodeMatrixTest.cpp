@@ -129,7 +129,7 @@ protected:
     static constexpr double kSeconds = 0.58;
 };
 
-TEST_P(ReencodeMatrix, Combination_is_made_from_every_source_and_plays) {
+TEST_P(ReencodeMatrix, combination_isMadeFromEverySourceAndPlays) {
     std::vector<std::string> outputs;
     for (const Source& source : kSources) {
         SCOPED_TRACE(source.name);

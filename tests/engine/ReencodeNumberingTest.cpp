@@ -63,7 +63,7 @@ protected:
     }
 };
 
-TEST_F(ReencodeNumbering, Pictures_catch_up_with_the_sound_to_the_tick) {
+TEST_F(ReencodeNumbering, pictures_catchUpWithTheSoundToTheTick) {
     engine_.videoFrameRate = 25.0;
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);  // no picture stays in the encoder
     constexpr std::int64_t kPictureTicks = 1001; // of 1/25025 second
@@ -104,7 +104,7 @@ std::string smallSilentSource() {
 }
 
 // The first picture is stamped 1, each one after it a picture's length later, later inputs too.
-TEST_F(ReencodeEncoder, JoinOfPicturesAlone_is_numbered_from_the_first_tick) {
+TEST_F(ReencodeEncoder, joinOfPicturesAlone_isNumberedFromTheFirstTick) {
     const std::string source = smallSilentSource();
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);
     const std::string output = folder_ / "out.mkv";
@@ -119,7 +119,7 @@ TEST_F(ReencodeEncoder, JoinOfPicturesAlone_is_numbered_from_the_first_tick) {
 }
 
 // Without sound to catch up with, the numbering goes on by one tick for each picture.
-TEST_F(ReencodeEncoder, JoinOfPicturesAlone_gives_each_the_duration_of_a_tick) {
+TEST_F(ReencodeEncoder, joinOfPicturesAlone_givesEachTheDurationOfATick) {
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_AAC);
     std::vector<std::int64_t> durations;
     const FaultyMedia observed({.write = [&durations](const AVPacket& packet) {

@@ -69,7 +69,7 @@ double bitRateOf(const std::string& path, const std::string& stream) {
     return static_cast<double>(bytes) * 8 / 6.0;
 }
 
-TEST_P(ReencodeQuality, Pictures_have_the_bit_rate_asked_for) {
+TEST_P(ReencodeQuality, pictures_haveTheBitRateAskedFor) {
     choose(videoCodecOf(GetParam()), AV_CODEC_ID_MP3);
     engine_.videoBitRate = 2'000'000;
     const std::string output = folder_ / "out.mkv";
@@ -79,7 +79,7 @@ TEST_P(ReencodeQuality, Pictures_have_the_bit_rate_asked_for) {
     EXPECT_NEAR(bitRateOf(output, "v:0"), 2'000'000, 0.15 * 2'000'000);
 }
 
-TEST_P(ReencodeQuality, Pictures_are_those_of_the_source) {
+TEST_P(ReencodeQuality, pictures_areThoseOfTheSource) {
     choose(videoCodecOf(GetParam()), AV_CODEC_ID_MP3);
     engine_.videoBitRate = 2'000'000;
     const std::string source = mediaPath("h264-bframes.mp4");
@@ -93,7 +93,7 @@ TEST_P(ReencodeQuality, Pictures_are_those_of_the_source) {
 INSTANTIATE_TEST_SUITE_P(Encoders, ReencodeQuality, testing::ValuesIn(kVideoNames),
                          [](const auto& made) { return std::string(made.param); });
 
-TEST_F(Reencode, Pictures_are_scaled_as_cubic_curves_do) {
+TEST_F(Reencode, pictures_areScaledAsCubicCurvesDo) {
     choose(AV_CODEC_ID_MPEG4, AV_CODEC_ID_MP3);
     engine_.videoBitRate = 4'000'000;
     const std::string output = folder_ / "out.mkv";
@@ -133,7 +133,7 @@ protected:
     }
 };
 
-TEST_P(ReencodeOddSource, Pictures_are_all_there_and_right) {
+TEST_P(ReencodeOddSource, pictures_areAllThereAndRight) {
     const auto& [name, encoder] = GetParam();
     choose(videoCodecOf(encoder), AV_CODEC_ID_MP3);
     engine_.videoBitRate = 4'000'000;
@@ -161,7 +161,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class ReencodeDamaged : public Reencode, public testing::WithParamInterface<const char*> {};
 
-TEST_P(ReencodeDamaged, Source_gives_what_can_be_decoded) {
+TEST_P(ReencodeDamaged, source_givesWhatCanBeDecoded) {
     const std::string source = mediaPath(GetParam());
     const std::string output = folder_ / "out.mkv";
 
@@ -215,7 +215,7 @@ void PrintTo(const Sound& sound, std::ostream* out) {
 
 class ReencodeSound : public Reencode, public testing::WithParamInterface<Sound> {};
 
-TEST_P(ReencodeSound, Sound_has_the_bit_rate_asked_for) {
+TEST_P(ReencodeSound, sound_hasTheBitRateAskedFor) {
     choose(AV_CODEC_ID_MPEG4, GetParam().codec);
     engine_.audioBitRate = 160'000;
     const std::string output = folder_ / "out.mkv";
@@ -232,7 +232,7 @@ TEST_P(ReencodeSound, Sound_has_the_bit_rate_asked_for) {
     EXPECT_NEAR(bitRateOf(output, "a:0"), expected, 0.15 * expected);
 }
 
-TEST_F(Reencode, LowBitRate_is_that_of_the_sound_where_it_is_not_AAC) {
+TEST_F(Reencode, lowBitRate_isThatOfTheSoundWhereItIsNotAAC) {
     engine_.audioBitRate = 64'000;
     for (const AVCodecID codec : {AV_CODEC_ID_MP3, AV_CODEC_ID_WMAV2}) {
         choose(AV_CODEC_ID_MPEG4, codec);
@@ -244,7 +244,7 @@ TEST_F(Reencode, LowBitRate_is_that_of_the_sound_where_it_is_not_AAC) {
     }
 }
 
-TEST_P(ReencodeSound, Sound_is_that_of_the_source) {
+TEST_P(ReencodeSound, sound_isThatOfTheSource) {
     choose(AV_CODEC_ID_MPEG4, GetParam().codec);
     const std::string source = mediaMadeBy(
         "-f lavfi -i color=black:size=64x48:rate=25:duration=2 -f lavfi -i "
@@ -261,7 +261,7 @@ TEST_P(ReencodeSound, Sound_is_that_of_the_source) {
 }
 
 // The chunks go straight from the decoder into the queue: what there is to compare is the sound.
-TEST_P(ReencodeSound, SoundInTheEncodersFormat_is_taken_as_it_is) {
+TEST_P(ReencodeSound, soundInTheEncodersFormat_isTakenAsItIs) {
     choose(AV_CODEC_ID_MPEG4, GetParam().codec);
     const std::string format = GetParam().codec == AV_CODEC_ID_MP3 ? "s16p" : "fltp";
     const std::string decoder =

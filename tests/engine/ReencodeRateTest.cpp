@@ -29,7 +29,7 @@ void PrintTo(const Rate& rate, std::ostream* out) {
 class ReencodeRate : public ReencodeEncoder, public testing::WithParamInterface<Rate> {};
 
 // 1001/25025 and 1/25 are the same duration, but not the same time base.
-TEST_P(ReencodeRate, Rate_has_its_time_base_in_the_output) {
+TEST_P(ReencodeRate, rate_hasItsTimeBaseInTheOutput) {
     engine_.videoFrameRate = GetParam().rate;
 
     const std::string output = made(smallSource(), "mp4");
@@ -73,7 +73,7 @@ void PrintTo(const SourceRate& rate, std::ostream* out) {
 class ReencodeSourceRate : public ReencodeEncoder,
                            public testing::WithParamInterface<SourceRate> {};
 
-TEST_P(ReencodeSourceRate, Output_has_it_or_its_substitute) {
+TEST_P(ReencodeSourceRate, output_hasItOrItsSubstitute) {
     const std::string source =
         mediaMadeBy(std::string("-f lavfi -i testsrc2=size=64x48:rate=25:duration=2 -c:v mjpeg "
                                 "-r ") +
@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& tested) { return std::string(tested.param.name); });
 
 // Muxers may ask for it, also where the output has another rate.
-TEST_F(ReencodeEncoder, SourceRate_is_told_to_the_muxer) {
+TEST_F(ReencodeEncoder, sourceRate_isToldToTheMuxer) {
     for (const double setting : {0.0, 30.0}) {
         engine_.videoFrameRate = setting;
         std::vector<AVRational> rates;
@@ -123,7 +123,7 @@ TEST_F(ReencodeEncoder, SourceRate_is_told_to_the_muxer) {
     }
 }
 
-TEST_F(Reencode, SourceRate_is_put_into_the_settings) {
+TEST_F(Reencode, sourceRate_isPutIntoTheSettings) {
     EXPECT_EQ(cut(mediaPath("h264-2997.mp4"), 0, 500, folder_ / "out.mp4").states, std::vector{1});
 
     EXPECT_EQ(engine_.videoFrameRate, 29.0);

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_P(ReencodeRefused, Setting_fails_the_input_and_says_so) {
+TEST_P(ReencodeRefused, setting_failsTheInputAndSaysSo) {
     spoil(GetParam());
     const std::string output = folder_ / "out.mp4";
     const AtLogLine line(": set up streams: ", [](int) {});
@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, ReencodeRefused,
 class ReencodeUnoffered : public ReencodeEncoder, public testing::WithParamInterface<AVCodecID> {};
 
 // There are encoders of these, and all but the first would take the settings.
-TEST_P(ReencodeUnoffered, Encoder_fails_the_input) {
+TEST_P(ReencodeUnoffered, encoder_failsTheInput) {
     choose(GetParam(), AV_CODEC_ID_AAC);
     const AtLogLine line(": set up streams: ", [](int) {});
     const std::string output = folder_ / "out.mkv";
@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(Codecs, ReencodeUnoffered,
                              return std::string(avcodec_get_name(tested.param));
                          });
 
-TEST_F(Reencode, SoundThatCannotBeEncoded_fails_the_input) {
+TEST_F(Reencode, soundThatCannotBeEncoded_failsTheInput) {
     const std::string source =
         mediaMadeBy("-f lavfi -i testsrc2=size=64x36:rate=25:duration=1 -f lavfi -i "
                     "aevalsrc=0/0:sample_rate=44100:duration=1 -c:v mpeg4 -c:a pcm_f32le",
@@ -83,7 +83,7 @@ TEST_F(Reencode, SoundThatCannotBeEncoded_fails_the_input) {
 }
 
 // Pictures without which the output would be no video.
-TEST_F(ReencodeEncoder, PicturesThatCannotBeScaled_fail_the_input) {
+TEST_F(ReencodeEncoder, picturesThatCannotBeScaled_failTheInput) {
     const std::string source =
         mediaMadeBy("-f rawvideo -pixel_format uyyvyy411 -video_size 64x48 -framerate 25 -t 1 -i "
                     "/dev/zero -c:v copy",

@@ -17,7 +17,7 @@ protected:
     const std::string output_ = folder_ / "out.mp4";
 };
 
-TEST_F(ReencodeSilence, LaterInputWithoutPictures_goes_on_where_the_sound_ended) {
+TEST_F(ReencodeSilence, laterInputWithoutPictures_goesOnWhereTheSoundEnded) {
     const std::string soundOnly = mediaMadeBy(
         "-f lavfi -i sine=f=1000:sample_rate=44100:d=0.2,volume=8,apad=whole_dur=3 -c:a pcm_s16le",
         "signal-sound-only.wav");
@@ -46,7 +46,7 @@ void forgetSoundCodec(const std::string& source, const std::string& target) {
     writeFile(target, content);
 }
 
-TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_is_replaced) {
+TEST_F(ReencodeSilence, soundThatCannotBeDecoded_isReplaced) {
     const std::string unknown = folder_ / "unknown.avi";
     forgetSoundCodec(signalOf("mpeg4"), unknown);
 
@@ -59,7 +59,7 @@ TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_is_replaced) {
     EXPECT_NEAR(beeps[1], flashes[2], 0.07);
 }
 
-TEST_F(ReencodeSilence, SoundOfTheFirstJoinedInputThatCannotBeDecoded_is_replaced) {
+TEST_F(ReencodeSilence, soundOfTheFirstJoinedInputThatCannotBeDecoded_isReplaced) {
     const std::string unknown = folder_ / "unknown.avi";
     forgetSoundCodec(signalOf("mpeg4"), unknown);
 
@@ -72,7 +72,7 @@ TEST_F(ReencodeSilence, SoundOfTheFirstJoinedInputThatCannotBeDecoded_is_replace
     EXPECT_NEAR(beeps[0], flashes[1], 0.07);
 }
 
-TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_fails_where_the_first_had_none) {
+TEST_F(ReencodeSilence, soundThatCannotBeDecoded_failsWhereTheFirstHadNone) {
     const std::string unknown = folder_ / "unknown.avi";
     forgetSoundCodec(signalOf("mpeg4"), unknown);
     const std::string silent = mediaMadeBy("-i @mpeg4.mp4 -c copy -an", "silent.mp4");
@@ -80,7 +80,7 @@ TEST_F(ReencodeSilence, SoundThatCannotBeDecoded_fails_where_the_first_had_none)
     EXPECT_EQ(join({silent, unknown}, output_).states, (std::vector{1, 2}));
 }
 
-TEST_F(ReencodeSilence, SoundOfTheFirstInputThatCannotBeDecoded_is_left_out) {
+TEST_F(ReencodeSilence, soundOfTheFirstInputThatCannotBeDecoded_isLeftOut) {
     const std::string unknown = folder_ / "unknown.avi";
     forgetSoundCodec(signalOf("mpeg4"), unknown);
 
@@ -91,7 +91,7 @@ TEST_F(ReencodeSilence, SoundOfTheFirstInputThatCannotBeDecoded_is_left_out) {
 }
 
 // Otherwise a cancelled join would go on for as long as the missing sound takes.
-TEST_F(ReencodeSilence, Stop_adds_no_more_of_it) {
+TEST_F(ReencodeSilence, stop_addsNoMoreOfIt) {
     const std::string longPictures =
         mediaMadeBy("-f lavfi -i color=black:s=64x48:r=1:d=600 -f lavfi -i "
                     "sine=f=1000:sample_rate=44100:d=0.2 -c:v mpeg4 -c:a aac -ac 2",
@@ -110,7 +110,7 @@ TEST_F(ReencodeSilence, Stop_adds_no_more_of_it) {
     EXPECT_LT(blocks.seen(), 2000); // ten minutes of sound are 25,000
 }
 
-TEST_F(ReencodeSilence, Cut_adds_none) {
+TEST_F(ReencodeSilence, cut_addsNone) {
     EXPECT_EQ(cut(signalOf("shortSound"), 0, 2000, output_).states, std::vector{1});
 
     EXPECT_NEAR(endOf(output_, "a:0"), 1.0, 0.08);

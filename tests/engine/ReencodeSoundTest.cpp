@@ -57,7 +57,7 @@ class ReencodeSurround : public ReencodeAudio,
                          public testing::WithParamInterface<std::tuple<const char*, AVCodecID>> {};
 
 // In the order of channels: front left, right and middle, the low one, back left and right.
-TEST_P(ReencodeSurround, Channels_stay_in_their_places) {
+TEST_P(ReencodeSurround, channels_stayInTheirPlaces) {
     const auto& [sound, codec] = GetParam();
     choose(AV_CODEC_ID_MPEG4, codec);
     engine_.audioChannels = 6;
@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Sources, ReencodeSurround,
 class ReencodeResampled : public ReencodeAudio,
                           public testing::WithParamInterface<std::tuple<const char*, int>> {};
 
-TEST_P(ReencodeResampled, Difference_alone_needs_a_resampler) {
+TEST_P(ReencodeResampled, difference_aloneNeedsAResampler) {
     const auto& [sound, resamplers] = GetParam();
     const std::string source = mediaMadeBy(
         kPictures + std::string("-f lavfi -i sine=f=440:d=1 -c:v mpeg4 ") + sound, "resampled.mkv");
@@ -121,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Sources, ReencodeResampled,
                          [](const auto& tested) { return asTestName(std::get<0>(tested.param)); });
 
 // Nobody knows where nine channels belong.
-TEST_F(ReencodeAudio, ResamplerThatCannotBeMade_fails_the_input) {
+TEST_F(ReencodeAudio, resamplerThatCannotBeMade_failsTheInput) {
     const std::string source =
         mediaMadeBy(kPictures + std::string("-f s16le -ac 9 -ar 44100 -t 1 -i /dev/zero -c:v mpeg4 "
                                             "-c:a pcm_s16le"),
@@ -135,7 +135,7 @@ TEST_F(ReencodeAudio, ResamplerThatCannotBeMade_fails_the_input) {
 }
 
 // The encoder's first frame lies before the first sample.
-TEST_F(ReencodeAudio, Cut_counts_samples_from_zero) {
+TEST_F(ReencodeAudio, cut_countsSamplesFromZero) {
     const std::string source =
         mediaMadeBy(kPictures + std::string("-f lavfi -i sine=f=440:d=1 -c:v mpeg4 -c:a pcm_s16le"),
                     "counted.mkv");
@@ -156,7 +156,7 @@ TEST_F(ReencodeAudio, Cut_counts_samples_from_zero) {
                 1024 * 90'000.0 / 44'100.0, 1.0);
 }
 
-TEST_F(ReencodeAudio, Join_numbers_sound_from_where_it_is) {
+TEST_F(ReencodeAudio, join_numbersSoundFromWhereItIs) {
     const std::string source =
         mediaMadeBy(kPictures + std::string("-f lavfi -i sine=f=440:d=1 -c:v mpeg4 -c:a pcm_s16le"),
                     "counted.mkv");
@@ -173,7 +173,7 @@ TEST_F(ReencodeAudio, Join_numbers_sound_from_where_it_is) {
 }
 
 // Otherwise what was queued before would be heard again.
-TEST_F(ReencodeAudio, LastChunk_ends_with_silence) {
+TEST_F(ReencodeAudio, lastChunk_endsWithSilence) {
     const std::string source =
         mediaMadeBy(kPictures + std::string("-f lavfi -i "
                                             "aevalsrc=0.8*sin(2*PI*t*1000):s=44100:d=0.952 -c:v "
@@ -195,7 +195,7 @@ TEST_F(ReencodeAudio, LastChunk_ends_with_silence) {
 
 // What the source says of its blocks is not so of the encoder's packets: avi would count them by
 // it.
-TEST_F(ReencodeAudio, BlocksOfTheSource_do_not_reach_the_output) {
+TEST_F(ReencodeAudio, blocksOfTheSource_doNotReachTheOutput) {
     const std::string source =
         mediaMadeBy(kPictures + std::string("-f lavfi -i sine=f=440:d=1 -c:v mpeg4 -c:a pcm_s16le "
                                             "-ac 2"),

@@ -75,7 +75,7 @@ void ReencodeSync::expectTogetherAtTheEnd() const {
                 tolerance() + 1.0 / 25 + target_.frameSamples / 44100.0);
 }
 
-TEST_P(ReencodeSync, Join_keeps_sound_and_pictures_together) {
+TEST_P(ReencodeSync, join_keepsSoundAndPicturesTogether) {
     std::vector<std::string> inputs;
     std::size_t pictures = 0;
     for (const char* name : names_) {

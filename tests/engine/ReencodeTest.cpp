@@ -35,7 +35,7 @@ void PrintTo(const Target& made, std::ostream* out) {
 
 class ReencodeTo : public Reencode, public testing::WithParamInterface<Target> {};
 
-TEST_P(ReencodeTo, Cut_has_the_settings_and_decodes) {
+TEST_P(ReencodeTo, cut_hasTheSettingsAndDecodes) {
     const Target& target = GetParam();
     choose(target.video, target.audio);
     const std::string output = folder_ / (std::string("out.") + target.extension);
@@ -71,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Target{"mkv", AV_CODEC_ID_H264, AV_CODEC_ID_VORBIS, "h264", "vorbis"}),
     [](const auto& tested) { return nameOf(tested.param); });
 
-TEST_F(Reencode, Pictures_are_numbered_one_frame_apart) {
+TEST_F(Reencode, pictures_areNumberedOneFrameApart) {
     const std::string output = folder_ / "out.mp4";
     engine_.videoFrameRate = 29.97;
 
@@ -88,7 +88,7 @@ TEST_F(Reencode, Pictures_are_numbered_one_frame_apart) {
 
 // The decoder holds two pictures of a stream with B-frames when the clock reaches the end; they are
 // written, and the one that the encoder holds is not.
-TEST_F(Reencode, CutOfReorderedPictures_is_drained_by_the_count_without_picture) {
+TEST_F(Reencode, cutOfReorderedPictures_isDrainedByTheCountWithoutPicture) {
     const std::string output = folder_ / "out.mp4";
     const auto delay = fieldsOf(mediaPath("h264-bframes.mp4"), "v:0").at("has_b_frames").get<int>();
     ASSERT_GT(delay, 0);
@@ -98,7 +98,7 @@ TEST_F(Reencode, CutOfReorderedPictures_is_drained_by_the_count_without_picture)
     EXPECT_EQ(packetsOf(output, "v:0").size(), 60U + static_cast<std::size_t>(delay));
 }
 
-TEST_F(Reencode, EveryTwelfthPicture_at_most_is_a_key_picture) {
+TEST_F(Reencode, everyTwelfthPicture_atMostIsAKeyPicture) {
     const std::string output = folder_ / "out.mkv";
 
     EXPECT_EQ(cut(mediaPath("h264.mp4"), 0, 3000, output).states, std::vector{1});
@@ -112,7 +112,7 @@ TEST_F(Reencode, EveryTwelfthPicture_at_most_is_a_key_picture) {
 
 // A new scene may begin with a further key picture, which a still has not. Looked at on the way
 // into the muxer, since readers find key pictures by themselves.
-TEST_F(Reencode, EveryTwelfthPictureOfAStill_alone_is_a_key_picture) {
+TEST_F(Reencode, everyTwelfthPictureOfAStill_aloneIsAKeyPicture) {
     const std::string still =
         mediaMadeBy("-f lavfi -i color=gray:size=64x48:rate=25:duration=2 -c:v mpeg4", "still.mkv");
     for (const AVCodecID codec : {AV_CODEC_ID_H264, AV_CODEC_ID_MPEG4}) {
@@ -132,7 +132,7 @@ TEST_F(Reencode, EveryTwelfthPictureOfAStill_alone_is_a_key_picture) {
     }
 }
 
-TEST_F(Reencode, AacBelowItsLeastBitRate_gets_that) {
+TEST_F(Reencode, aacBelowItsLeastBitRate_getsThat) {
     engine_.audioBitRate = 96'000;
     const std::string output = folder_ / "out.mp4";
     const std::string noise = mediaMadeBy("-f lavfi -i testsrc2=size=64x36:rate=25:duration=4 -f "
@@ -146,7 +146,7 @@ TEST_F(Reencode, AacBelowItsLeastBitRate_gets_that) {
     EXPECT_NEAR(bitRate, 128'000.0, 10'000.0);
 }
 
-TEST_F(Reencode, Result_does_not_depend_on_the_cores) {
+TEST_F(Reencode, result_doesNotDependOnTheCores) {
     const std::string free = folder_ / "free.mp4";
     const std::string bound = folder_ / "bound.mp4";
     EXPECT_EQ(cut(mediaPath("h264-bframes.mp4"), 500, 2500, free).states, std::vector{1});
@@ -167,7 +167,7 @@ TEST_F(Reencode, Result_does_not_depend_on_the_cores) {
     EXPECT_EQ(readFile(free), readFile(bound));
 }
 
-TEST_F(Reencode, SourceWithoutSound_gives_pictures_alone) {
+TEST_F(Reencode, sourceWithoutSound_givesPicturesAlone) {
     const std::string output = folder_ / "out.mp4";
 
     EXPECT_EQ(cut(mediaPath("video-only.mp4"), 0, 1000, output).states, std::vector{1});
@@ -176,7 +176,7 @@ TEST_F(Reencode, SourceWithoutSound_gives_pictures_alone) {
     EXPECT_TRUE(ffmpegDecodesClean(output));
 }
 
-TEST_F(Reencode, RotatedSource_stays_upright) {
+TEST_F(Reencode, rotatedSource_staysUpright) {
     const std::string output = folder_ / "out.mp4";
 
     EXPECT_EQ(cut(mediaPath("tagged-rotated.mp4"), 0, 1000, output).states, std::vector{1});
@@ -187,7 +187,7 @@ TEST_F(Reencode, RotatedSource_stays_upright) {
     EXPECT_EQ(rotationOf(output), rotationOf(mediaPath("tagged-rotated.mp4")));
 }
 
-TEST_F(Reencode, Threads_and_descriptors_are_gone_afterwards) {
+TEST_F(Reencode, threads_andDescriptorsAreGoneAfterwards) {
     cut(mediaPath("h264.mp4"), 0, 500, folder_ / "first.mp4");
     const Resources before = Resources::now();
 

@@ -10,7 +10,7 @@
 namespace velmora::test {
 namespace {
 
-TEST_F(Run, Join_puts_its_length_into_every_span) {
+TEST_F(Run, join_putsItsLengthIntoEverySpan) {
     fillJoin({source_, source_, source_}, output_);
     engine_.joinTotalMs = 77;
 
@@ -22,7 +22,7 @@ TEST_F(Run, Join_puts_its_length_into_every_span) {
     EXPECT_EQ(engine_.spans[3], 0.0);
 }
 
-TEST_F(Run, Percent_of_a_join_is_of_its_whole_length) {
+TEST_F(Run, percent_ofAJoinIsOfItsWholeLength) {
     fillJoin({source_, source_, source_}, output_);
     EXPECT_EQ(engine_.joinTotalMs, 6);
     engine_.joinTotalMs = 70;
@@ -32,7 +32,7 @@ TEST_F(Run, Percent_of_a_join_is_of_its_whole_length) {
     EXPECT_EQ(run().percent, 100); // no more than that
 }
 
-TEST_F(Run, Percent_of_a_join_without_length_stays_within_bounds) {
+TEST_F(Run, percent_ofAJoinWithoutLengthStaysWithinBounds) {
     for (const int total : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
         fillPaths({source_}, output_);
         engine_.joinMode = 1;
@@ -46,7 +46,7 @@ TEST_F(Run, Percent_of_a_join_without_length_stays_within_bounds) {
     }
 }
 
-TEST_F(Run, Percent_of_a_cut_is_of_its_span) {
+TEST_F(Run, percent_ofACutIsOfItsSpan) {
     fillCut(source_, 0, 9000, output_);
     EXPECT_EQ(run().percent, 22); // about 2 s of 9
 
@@ -54,7 +54,7 @@ TEST_F(Run, Percent_of_a_cut_is_of_its_span) {
     EXPECT_GE(run().percent, 96);
 }
 
-TEST_F(Run, Counters_while_running_tell_the_input_and_grow) {
+TEST_F(Run, counters_whileRunningTellTheInputAndGrow) {
     std::vector<int> indexes;
     std::vector<int> percents;
     std::vector<int> firstStates;

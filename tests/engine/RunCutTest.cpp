@@ -16,7 +16,7 @@ using nlohmann::json;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-TEST_F(Run, CutFromZero_reads_from_the_beginning) {
+TEST_F(Run, cutFromZero_readsFromTheBeginning) {
     const std::string stream = mediaPath("h264-bframes.ts"); // starts at 1.4 s
     for (const double start : {0.0, -5.0, -kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
         fillCut(stream, 0, 1000, output_);
@@ -33,7 +33,7 @@ TEST_F(Run, CutFromZero_reads_from_the_beginning) {
     }
 }
 
-TEST_F(Run, CutWithStart_adds_the_containers_start_to_the_table) {
+TEST_F(Run, cutWithStart_addsTheContainersStartToTheTable) {
     for (const char* name : {"h264.mp4", "h264-bframes.flv", "h264-bframes.mkv", "wmv2.wmv"}) {
         const json format = ffprobeJson(mediaPath(name), {"-show_format"}).at("format");
         const double begin = std::stod(format.at("start_time").get<std::string>());
@@ -44,7 +44,7 @@ TEST_F(Run, CutWithStart_adds_the_containers_start_to_the_table) {
     }
 }
 
-TEST_F(Run, CutByBytes_leaves_the_table) {
+TEST_F(Run, cutByBytes_leavesTheTable) {
     for (const char* name : {"h264-bframes.ts", "mpeg2.mpg", "theora.ogv"}) {
         EXPECT_EQ(cut(mediaPath(name), 1500, 1800, folder_ / "out.mkv").states, std::vector{1});
 
@@ -52,7 +52,7 @@ TEST_F(Run, CutByBytes_leaves_the_table) {
     }
 }
 
-TEST_F(Run, Join_does_not_seek) {
+TEST_F(Run, join_doesNotSeek) {
     fillJoin({source_, source_}, output_);
     engine_.startTimes[0] = 1.5;
     engine_.startTimes[1] = 1.5;
@@ -64,7 +64,7 @@ TEST_F(Run, Join_does_not_seek) {
 }
 
 // The same fraction of the file as the start is of the duration.
-TEST_F(Run, CutByBytes_begins_at_the_first_packet_behind_the_position) {
+TEST_F(Run, cutByBytes_beginsAtTheFirstPacketBehindThePosition) {
     const std::string stream = mediaPath("h264-gop250.ts");
     const json shown = ffprobeJson(stream, {"-show_format", "-select_streams", "v:0",
                                             "-show_packets", "-show_data_hash", "md5"});
@@ -88,7 +88,7 @@ TEST_F(Run, CutByBytes_begins_at_the_first_packet_behind_the_position) {
     }
 }
 
-TEST_F(Run, StartBeyondTheEnd_ends_well) {
+TEST_F(Run, startBeyondTheEnd_endsWell) {
     for (const char* name : {"h264.mp4", "h264-bframes.mkv", "h264-bframes.ts", "mpeg4.avi"}) {
         for (const double start : {1e3, 1e9, 1e18, 1e300, kInfinity}) {
             fillCut(mediaPath(name), 0, 1000, folder_ / "out.mkv");
@@ -102,7 +102,7 @@ TEST_F(Run, StartBeyondTheEnd_ends_well) {
     }
 }
 
-TEST_F(Run, SpanThatIsNotPositive_copies_nothing) {
+TEST_F(Run, spanThatIsNotPositive_copiesNothing) {
     for (const double span : {0.0, -0.0, -1.0, -kInfinity}) {
         fillCut(source_, 0, 0, output_);
         engine_.spans[0] = span;
@@ -115,7 +115,7 @@ TEST_F(Run, SpanThatIsNotPositive_copies_nothing) {
     }
 }
 
-TEST_F(Run, SpanThatIsNeverReached_copies_to_the_end) {
+TEST_F(Run, spanThatIsNeverReached_copiesToTheEnd) {
     for (const double span : {1e9, 1e300, kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
         fillCut(source_, 0, 0, output_);
         engine_.spans[0] = span;
@@ -129,7 +129,7 @@ TEST_F(Run, SpanThatIsNeverReached_copies_to_the_end) {
     }
 }
 
-TEST_F(Run, SecondCutInput_stops_at_once) {
+TEST_F(Run, secondCutInput_stopsAtOnce) {
     fillPaths({source_, source_}, output_);
     engine_.spans[0] = 1.0;
     engine_.spans[1] = 1.0;
@@ -142,7 +142,7 @@ TEST_F(Run, SecondCutInput_stops_at_once) {
     EXPECT_EQ(decode(output_).complaints, "");
 }
 
-TEST_F(Run, SecondCutInput_goes_on_until_the_outputs_clock_reaches_its_span) {
+TEST_F(Run, secondCutInput_goesOnUntilTheOutputsClockReachesItsSpan) {
     fillPaths({source_, source_}, output_);
     engine_.spans[0] = 1.0;
     engine_.spans[1] = 1.8;

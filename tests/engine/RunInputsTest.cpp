@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(Run, FirstInputUnusable_fails_all_inputs) {
+TEST_F(Run, firstInputUnusable_failsAllInputs) {
     const std::string folder = folder_ / "folder.mp4";
     fs::create_directory(folder);
     const std::vector<std::string> unusable{missing_,
@@ -33,7 +33,7 @@ TEST_F(Run, FirstInputUnusable_fails_all_inputs) {
     }
 }
 
-TEST_F(Run, FirstInputWithoutVideo_ends_the_run_with_all_inputs_pending) {
+TEST_F(Run, firstInputWithoutVideo_endsTheRunWithAllInputsPending) {
     writeFile(output_, "earlier");
     for (const char* name : {"audio-only.m4a", "audio-only.wav", "cover.mp3", "subtitles.srt"}) {
         const JobResult result = join({mediaPath(name), source_}, output_);
@@ -44,7 +44,7 @@ TEST_F(Run, FirstInputWithoutVideo_ends_the_run_with_all_inputs_pending) {
     }
 }
 
-TEST_F(Run, FirstInputWithoutStreams_ends_the_run_with_all_inputs_pending) {
+TEST_F(Run, firstInputWithoutStreams_endsTheRunWithAllInputsPending) {
     const std::string input = folder_ / "no-streams.mp4";
     writeFile(input, ";FFMETADATA1\ntitle=none\n");
 
@@ -52,7 +52,7 @@ TEST_F(Run, FirstInputWithoutStreams_ends_the_run_with_all_inputs_pending) {
     EXPECT_FALSE(fs::exists(output_));
 }
 
-TEST_F(Run, LaterInputUnusable_fails_and_the_next_goes_on) {
+TEST_F(Run, laterInputUnusable_failsAndTheNextGoesOn) {
     const std::vector<std::string> unusable{missing_, mediaPath("text.mp4"), mediaPath("empty.mp4"),
                                             mediaPath("truncated.mp4"),
                                             mediaPath("unknown-codec.avi")};
@@ -65,7 +65,7 @@ TEST_F(Run, LaterInputUnusable_fails_and_the_next_goes_on) {
     }
 }
 
-TEST_F(Run, LastInputUnusable_leaves_a_complete_output) {
+TEST_F(Run, lastInputUnusable_leavesACompleteOutput) {
     for (const std::string& last : {missing_, mediaPath("text.mp4")}) {
         const JobResult result = join({source_, last}, output_);
 
@@ -76,7 +76,7 @@ TEST_F(Run, LastInputUnusable_leaves_a_complete_output) {
     }
 }
 
-TEST_F(Run, LaterInputWithoutVideo_adds_its_sound) {
+TEST_F(Run, laterInputWithoutVideo_addsItsSound) {
     const std::string sound = mediaPath("audio-only.m4a");
 
     const JobResult result = join({source_, sound, source_}, output_);
@@ -90,7 +90,7 @@ TEST_F(Run, LaterInputWithoutVideo_adds_its_sound) {
     }
 }
 
-TEST_F(Run, LaterInputWithSound_fails_where_the_first_had_none) {
+TEST_F(Run, laterInputWithSound_failsWhereTheFirstHadNone) {
     const std::string silent = mediaPath("video-only.mp4");
 
     const JobResult result = join({silent, mediaPath("h264.mp4"), silent}, output_);
@@ -99,7 +99,7 @@ TEST_F(Run, LaterInputWithSound_fails_where_the_first_had_none) {
     EXPECT_EQ(videoPackets(output_), 2 * videoPackets(silent));
 }
 
-TEST_F(Run, LaterInputWithoutSound_is_taken) {
+TEST_F(Run, laterInputWithoutSound_isTaken) {
     const std::string silent = mediaMadeBy("-i @mpeg4.mp4 -c copy -an", "silent.mp4");
 
     EXPECT_EQ(join({mediaPath("mpeg4.mp4"), silent}, output_).states, (std::vector{1, 1}));

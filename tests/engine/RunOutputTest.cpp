@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(Run, ExistingOutput_is_replaced_as_a_whole) {
+TEST_F(Run, existingOutput_isReplacedAsAWhole) {
     writeFile(output_, Bytes(3'000'000, 'x'));
 
     EXPECT_EQ(cut(source_, 0, 1000, output_).states, std::vector{1});
@@ -21,11 +21,11 @@ TEST_F(Run, ExistingOutput_is_replaced_as_a_whole) {
     EXPECT_EQ(readFile(output_), readFile(fresh));
 }
 
-TEST_F(Run, ExtensionInCapitals_is_known) {
+TEST_F(Run, extensionInCapitals_isKnown) {
     EXPECT_EQ(cut(source_, 0, 1000, folder_ / "OUT.MP4").states, std::vector{1});
 }
 
-TEST_F(Run, UnknownOutputFormat_fails_all_inputs) {
+TEST_F(Run, unknownOutputFormat_failsAllInputs) {
     for (const char* name : {"out.unknown", "out", "mp4", ".mp4x"}) {
         EXPECT_EQ(join({source_, source_}, folder_ / name).states, (std::vector{2, 2})) << name;
         EXPECT_FALSE(fs::exists(folder_ / name)) << name;
@@ -35,7 +35,7 @@ TEST_F(Run, UnknownOutputFormat_fails_all_inputs) {
     }
 }
 
-TEST_F(Run, UnknownOutputFormatOfLaterInput_fails_that_input) {
+TEST_F(Run, unknownOutputFormatOfLaterInput_failsThatInput) {
     fillJoin({source_, source_, source_}, output_);
     engine_.outputPaths[1] = folder_ / "out.unknown";
 
@@ -54,30 +54,30 @@ protected:
     const Bytes content_ = readFile(input_);
 };
 
-TEST_F(RunOntoItself, SamePath_fails_and_leaves_the_input) {
+TEST_F(RunOntoItself, samePath_failsAndLeavesTheInput) {
     expectRefused(input_, {input_});
     expectRefused(input_, {input_, source_});
     EXPECT_EQ(cut(input_, 0, 1000, input_).states, std::vector{2});
     EXPECT_EQ(readFile(input_), content_);
 }
 
-TEST_F(RunOntoItself, PathByAnotherSpelling_fails_and_leaves_the_input) {
+TEST_F(RunOntoItself, pathByAnotherSpelling_failsAndLeavesTheInput) {
     expectRefused((folder_.path() / "." / "mpeg4.mp4").string(), {input_});
 }
 
-TEST_F(RunOntoItself, SymbolicLink_fails_and_leaves_the_input) {
+TEST_F(RunOntoItself, symbolicLink_failsAndLeavesTheInput) {
     fs::create_symlink(input_, output_);
     expectRefused(output_, {input_});
     expectRefused(input_, {output_});
 }
 
-TEST_F(RunOntoItself, HardLink_fails_and_leaves_the_input) {
+TEST_F(RunOntoItself, hardLink_failsAndLeavesTheInput) {
     fs::create_hard_link(input_, output_);
     expectRefused(output_, {input_});
     EXPECT_EQ(readFile(output_), content_);
 }
 
-TEST_F(RunOntoItself, LaterInput_fails_all_and_leaves_the_input) {
+TEST_F(RunOntoItself, laterInput_failsAllAndLeavesTheInput) {
     expectRefused(input_, {source_, input_});
     expectRefused(input_, {source_, source_, missing_, input_});
 }

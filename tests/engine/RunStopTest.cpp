@@ -44,7 +44,7 @@ protected:
     const Resources before_ = Resources::now();
 };
 
-TEST_F(RunStop, WhileOpeningFirstInput_writes_nothing) {
+TEST_F(RunStop, whileOpeningFirstInput_writesNothing) {
     const JobResult result = joinStoppedAt(RunPoint::Opening, 1, 2);
 
     EXPECT_TRUE(result.states[0] == 255 || result.states[0] == 2);
@@ -52,7 +52,7 @@ TEST_F(RunStop, WhileOpeningFirstInput_writes_nothing) {
     EXPECT_FALSE(fs::exists(output_));
 }
 
-TEST_F(RunStop, WhileOpeningLaterInput_leaves_that_and_the_rest) {
+TEST_F(RunStop, whileOpeningLaterInput_leavesThatAndTheRest) {
     const JobResult result = joinStoppedAt(RunPoint::Opening, 2, 3);
 
     EXPECT_EQ(result.states[0], 1);
@@ -61,13 +61,13 @@ TEST_F(RunStop, WhileOpeningLaterInput_leaves_that_and_the_rest) {
     EXPECT_FALSE(hasTrailer());
 }
 
-TEST_F(RunStop, BeforeFirstPacket_of_the_only_input_leaves_it_pending) {
+TEST_F(RunStop, beforeFirstPacket_ofTheOnlyInputLeavesItPending) {
     const JobResult result = joinStoppedAt(RunPoint::InfoRead, 1, 1);
 
     EXPECT_EQ(result.states, std::vector{255});
 }
 
-TEST_F(RunStop, InFirstInput_leaves_all_pending_and_no_trailer) {
+TEST_F(RunStop, inFirstInput_leavesAllPendingAndNoTrailer) {
     const JobResult result = joinStoppedAt(RunPoint::Packet, packets_ / 2, 3);
 
     EXPECT_EQ(result.states, (std::vector{255, 255, 255}));
@@ -77,7 +77,7 @@ TEST_F(RunStop, InFirstInput_leaves_all_pending_and_no_trailer) {
     EXPECT_FALSE(hasTrailer());
 }
 
-TEST_F(RunStop, InMiddleInput_leaves_it_and_the_rest_pending_and_no_trailer) {
+TEST_F(RunStop, inMiddleInput_leavesItAndTheRestPendingAndNoTrailer) {
     const JobResult result = joinStoppedAt(RunPoint::Packet, packets_ * 3 / 2, 3);
 
     EXPECT_EQ(result.states, (std::vector{1, 255, 255}));
@@ -85,7 +85,7 @@ TEST_F(RunStop, InMiddleInput_leaves_it_and_the_rest_pending_and_no_trailer) {
     EXPECT_FALSE(hasTrailer());
 }
 
-TEST_F(RunStop, InLastInput_leaves_it_pending_and_the_output_complete) {
+TEST_F(RunStop, inLastInput_leavesItPendingAndTheOutputComplete) {
     const JobResult result = joinStoppedAt(RunPoint::Packet, packets_ * 5 / 2, 3);
 
     EXPECT_EQ(result.states, (std::vector{1, 1, 255}));
@@ -94,7 +94,7 @@ TEST_F(RunStop, InLastInput_leaves_it_pending_and_the_output_complete) {
     EXPECT_EQ(decode(output_).complaints, "");
 }
 
-TEST_F(RunStop, InOnlyInput_of_a_cut_leaves_it_pending_and_the_output_complete) {
+TEST_F(RunStop, inOnlyInput_ofACutLeavesItPendingAndTheOutputComplete) {
     fillCut(source_, 0, 4000, output_);
     const AtRunPoint stop(RunPoint::Packet, [&](int number) {
         if (number == 50) {
@@ -110,7 +110,7 @@ TEST_F(RunStop, InOnlyInput_of_a_cut_leaves_it_pending_and_the_output_complete) 
     EXPECT_LT(packetsOf(output_, "v:0").size(), packetsOf(source_, "v:0").size());
 }
 
-TEST_F(RunStop, NextRun_after_a_stop_is_complete) {
+TEST_F(RunStop, nextRun_afterAStopIsComplete) {
     joinStoppedAt(RunPoint::Packet, packets_ / 2, 2);
 
     EXPECT_EQ(join({source_, source_}, output_).states, (std::vector{1, 1}));
@@ -150,7 +150,7 @@ protected:
     const std::string output_ = folder_ / "out.mkv";
 };
 
-TEST_F(RunBeside, Counters_are_seen_by_another_thread) {
+TEST_F(RunBeside, counters_areSeenByAnotherThread) {
     joinWhile([&] {
         EXPECT_EQ(engine_.currentIndex, 1);
         EXPECT_EQ(engine_.fileStates[0], 1);
@@ -162,7 +162,7 @@ TEST_F(RunBeside, Counters_are_seen_by_another_thread) {
     expectUndisturbed();
 }
 
-TEST_F(RunBeside, Probe_of_another_file_does_not_disturb_it) {
+TEST_F(RunBeside, probe_ofAnotherFileDoesNotDisturbIt) {
     joinWhile([&] {
         engine_.probePath = mediaPath("two-streams.mkv");
         EXPECT_EQ(engine_.probe(), 0);
@@ -174,7 +174,7 @@ TEST_F(RunBeside, Probe_of_another_file_does_not_disturb_it) {
     expectUndisturbed();
 }
 
-TEST_F(RunBeside, Snapshot_of_an_input_does_not_disturb_it) {
+TEST_F(RunBeside, snapshot_ofAnInputDoesNotDisturbIt) {
     const std::string picture = folder_ / "pic.bmp";
     joinWhile([&] {
         engine_.probePath = source_.path;
@@ -188,7 +188,7 @@ TEST_F(RunBeside, Snapshot_of_an_input_does_not_disturb_it) {
     expectUndisturbed();
 }
 
-TEST_F(RunBeside, NewTable_does_not_reach_it) {
+TEST_F(RunBeside, newTable_doesNotReachIt) {
     joinWhile([&] {
         engine_.inputPaths.assign(3, folder_ / "missing.mp4");
         engine_.outputPaths.assign(3, folder_ / "other.mp4");
@@ -201,7 +201,7 @@ TEST_F(RunBeside, NewTable_does_not_reach_it) {
     EXPECT_FALSE(fs::exists(folder_ / "other.mp4"));
 }
 
-TEST_F(RunBeside, StopByAnotherThread_ends_it) {
+TEST_F(RunBeside, stopByAnotherThread_endsIt) {
     joinWhile([&] { engine_.stopRequested = 1; });
 
     EXPECT_EQ(result().states, (std::vector{1, 255, 255}));

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(Run, EmptyJob_ends_at_once) {
+TEST_F(Run, emptyJob_endsAtOnce) {
     engine_.inputCount = 0;
     engine_.outputPaths = {output_};
     engine_.currentIndex = 7;
@@ -28,7 +28,7 @@ TEST_F(Run, EmptyJob_ends_at_once) {
     EXPECT_FALSE(fs::exists(output_));
 }
 
-TEST_F(Run, NegativeCount_is_an_empty_job) {
+TEST_F(Run, negativeCount_isAnEmptyJob) {
     engine_.inputCount = -1;
     engine_.fileStates[0] = 9;
 
@@ -36,7 +36,7 @@ TEST_F(Run, NegativeCount_is_an_empty_job) {
     EXPECT_EQ(engine_.fileStates[0], 9);
 }
 
-TEST_F(Run, StopBeforeStart_leaves_all_inputs_pending_and_writes_nothing) {
+TEST_F(Run, stopBeforeStart_leavesAllInputsPendingAndWritesNothing) {
     writeFile(output_, "earlier");
     fillJoin({source_, source_}, output_);
     engine_.fileStates[0] = 1;
@@ -54,7 +54,7 @@ TEST_F(Run, StopBeforeStart_leaves_all_inputs_pending_and_writes_nothing) {
     EXPECT_EQ(fs::file_size(output_), 7U);
 }
 
-TEST_F(Run, CompleteJob_counts_to_the_number_of_inputs) {
+TEST_F(Run, completeJob_countsToTheNumberOfInputs) {
     const JobResult result = join({source_, source_, source_}, output_);
 
     EXPECT_EQ(result.states, (std::vector{1, 1, 1}));
@@ -63,7 +63,7 @@ TEST_F(Run, CompleteJob_counts_to_the_number_of_inputs) {
     EXPECT_EQ(decode(output_).complaints, "");
 }
 
-TEST_F(Run, AfterRun_of_any_outcome_the_next_is_as_the_first) {
+TEST_F(Run, afterRun_ofAnyOutcomeTheNextIsAsTheFirst) {
     const std::string first = folder_ / "first.mp4";
     const std::string later = folder_ / "later.mp4";
     join({source_, source_}, first);
@@ -83,7 +83,7 @@ TEST_F(Run, AfterRun_of_any_outcome_the_next_is_as_the_first) {
     EXPECT_EQ(readFile(later), readFile(first));
 }
 
-TEST_F(Run, LargestJob_is_carried_out) {
+TEST_F(Run, largestJob_isCarriedOut) {
     const std::string one = mediaMadeBy("-f lavfi -i testsrc2=size=32x32:rate=25:duration=0.08"
                                         " -c:v mpeg4",
                                         "one.avi");
@@ -98,7 +98,7 @@ TEST_F(Run, LargestJob_is_carried_out) {
     EXPECT_EQ(videoPackets(output_), 2 * ConversionEngine::kMaxInputs);
 }
 
-TEST_F(Run, LargerJob_is_refused_without_a_file_touched) {
+TEST_F(Run, largerJob_isRefusedWithoutAFileTouched) {
     for (const int count : {1000, 1001, std::numeric_limits<std::int32_t>::max()}) {
         fillPaths({source_}, output_);
         engine_.joinMode = 1;
@@ -112,7 +112,7 @@ TEST_F(Run, LargerJob_is_refused_without_a_file_touched) {
     }
 }
 
-TEST_F(Run, MissingInputRows_fail_their_inputs) {
+TEST_F(Run, missingInputRows_failTheirInputs) {
     fillPaths({source_, source_, source_}, output_);
     engine_.joinMode = 1;
     engine_.inputPaths.resize(1);
@@ -121,7 +121,7 @@ TEST_F(Run, MissingInputRows_fail_their_inputs) {
     EXPECT_EQ(videoPackets(output_), sourceVideoPackets_);
 }
 
-TEST_F(Run, MissingOutputRows_fail_the_job) {
+TEST_F(Run, missingOutputRows_failTheJob) {
     fillPaths({source_, source_}, output_);
     engine_.joinMode = 1;
     engine_.outputPaths.clear();
@@ -129,7 +129,7 @@ TEST_F(Run, MissingOutputRows_fail_the_job) {
     EXPECT_EQ(run().states, (std::vector{2, 2}));
 }
 
-TEST_F(Run, Rows_are_read_up_to_their_first_zero) {
+TEST_F(Run, rows_areReadUpToTheirFirstZero) {
     fillPaths({source_}, output_);
     engine_.joinMode = 1;
     engine_.inputPaths[0].append(1, '\0').append("rest");

@@ -71,7 +71,7 @@ private:
     long peakBefore_ = peakMegabytes();
 };
 
-TEST_F(Sizes, HoleOf100Gigabytes_namedMp4_isRefusedAtOnce) {
+TEST_F(Sizes, holeOf100Gigabytes_namedMp4_isRefusedAtOnce) {
     const std::string path = folder_ / "hole.mp4";
     writeFile(path, "");
     fs::resize_file(path, kHundredGigabytes);
@@ -80,14 +80,14 @@ TEST_F(Sizes, HoleOf100Gigabytes_namedMp4_isRefusedAtOnce) {
     EXPECT_EQ(copy(path, 0, 1000, folder_ / "out.mp4").states, std::vector{2});
 }
 
-TEST_F(Sizes, VideoBeforeAHoleOf100Gigabytes_isUsedAsIfAlone) {
+TEST_F(Sizes, videoBeforeAHoleOf100Gigabytes_isUsedAsIfAlone) {
     const std::string path = copied("h264.mp4", folder_ / "video.mp4");
     fs::resize_file(path, kHundredGigabytes);
     expectUsable(path);
     EXPECT_EQ(fs::file_size(path), kHundredGigabytes);
 }
 
-TEST_F(Sizes, TenHours_areCutAndShownNearTheirEnd) {
+TEST_F(Sizes, tenHours_areCutAndShownNearTheirEnd) {
     const std::string path = mediaMadeBy("-f lavfi -i testsrc2=size=32x32:rate=1:duration=36000 "
                                          "-c:v mpeg4 -g 60 -q:v 31",
                                          "ten-hours.mp4");
@@ -98,7 +98,7 @@ TEST_F(Sizes, TenHours_areCutAndShownNearTheirEnd) {
     EXPECT_NEAR(endOf(folder_ / "out.mp4", "v:0"), 60, 1);
 }
 
-TEST_F(Sizes, PicturesOf8K_areShownAndReencoded) {
+TEST_F(Sizes, picturesOf8K_areShownAndReencoded) {
     const std::string path = mediaMadeBy("-f lavfi -i testsrc2=size=7680x4320:rate=2:duration=1 "
                                          "-c:v mjpeg -q:v 20",
                                          "8k.mov");
@@ -114,11 +114,12 @@ TEST_F(Sizes, PicturesOf8K_areShownAndReencoded) {
     EXPECT_EQ(fieldsOf(folder_ / "out.mp4", "v:0").at("width"), 320);
 }
 
-TEST_F(Sizes, SixtyFourStreams_arePickedFromAndCopied) {
+TEST_F(Sizes, sixtyFourStreams_arePickedFromAndCopied) {
     std::string command = "-f lavfi -i testsrc2=size=64x64:rate=10:duration=2 "
                           "-f lavfi -i sine=duration=2 -map 0";
-    for (int i = 0; i < 63; ++i)
+    for (int i = 0; i < 63; ++i) {
         command += " -map 1";
+    }
     const std::string path = mediaMadeBy(command + " -c:v mpeg4 -c:a mp2 -b:a 32k -ac 1", "64.mkv");
     ASSERT_EQ(probe(path), 0);
     EXPECT_EQ(engine_.streamCount, 64);
@@ -127,7 +128,7 @@ TEST_F(Sizes, SixtyFourStreams_arePickedFromAndCopied) {
     EXPECT_TRUE(ffmpegDecodesClean(folder_ / "out.mkv"));
 }
 
-TEST_F(Sizes, Join_of999Inputs_hasThePicturesOfAll) {
+TEST_F(Sizes, join_of999Inputs_hasThePicturesOfAll) {
     const std::string path =
         mediaMadeBy("-f lavfi -i testsrc2=size=32x32:rate=10:duration=0.2 -c:v mpeg4", "short.avi");
     const JobResult result =
@@ -137,28 +138,29 @@ TEST_F(Sizes, Join_of999Inputs_hasThePicturesOfAll) {
     EXPECT_EQ(packetsOf(folder_ / "out.avi", "v:0").size(), 999U * 2U);
 }
 
-TEST_F(Sizes, NameOf255Bytes_ofASource_isUsed) {
+TEST_F(Sizes, nameOf255Bytes_ofASource_isUsed) {
     expectUsable(copied("h264.mp4", folder_ / (std::string(NAME_MAX - 4, 'n') + ".mp4")));
 }
 
-TEST_F(Sizes, PathAlmostAsLongAsPossible_ofASource_isUsed) {
+TEST_F(Sizes, pathAlmostAsLongAsPossible_ofASource_isUsed) {
     constexpr std::size_t longest = PATH_MAX - 1; // its end is counted
     std::string path = folder_.path();
-    while (path.size() + 210 < longest)
+    while (path.size() + 210 < longest) {
         path += '/' + std::string(200, 'd');
+    }
     path += '/' + std::string(longest - path.size() - 5, 'n') + ".mp4";
     ASSERT_EQ(path.size(), longest);
     expectUsable(copied("h264.mp4", path));
 }
 
-TEST_F(Sizes, PathLongerThanPossible_ofASource_isRefused) {
+TEST_F(Sizes, pathLongerThanPossible_ofASource_isRefused) {
     const std::string path = folder_ / (std::string(PATH_MAX, 'n') + ".mp4");
     EXPECT_LT(probe(path), 0);
     EXPECT_FALSE(takesPicture(path, 0));
     EXPECT_EQ(copy(path, 0, 1000, folder_ / "out.mp4").states, std::vector{2});
 }
 
-TEST_F(Sizes, RelativePath_ofASource_isUsed) {
+TEST_F(Sizes, relativePath_ofASource_isUsed) {
     copied("h264.mp4", folder_ / "relative.mp4");
     const fs::path before = fs::current_path();
     fs::current_path(folder_.path());

@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(Snapshots, FileWithoutVideo_writes_nothing_and_succeeds) {
+TEST_F(Snapshots, fileWithoutVideo_writesNothingAndSucceeds) {
     for (const char* name : {"audio-only.m4a", "audio-only.wav", "cover.mp3", "cover.m4a"}) {
         EXPECT_EQ(take(mediaPath(name), 0.0), 0) << name;
         EXPECT_EQ(take(mediaPath(name), 1.0), 0) << name;
@@ -27,18 +27,18 @@ TEST_F(Snapshots, FileWithoutVideo_writes_nothing_and_succeeds) {
     EXPECT_FALSE(fs::exists(picture_));
 }
 
-TEST_F(Snapshots, WithoutVideoDecoder_writes_nothing_and_succeeds) {
+TEST_F(Snapshots, withoutVideoDecoder_writesNothingAndSucceeds) {
     EXPECT_EQ(take(mediaPath("unknown-codec.avi"), 0.0), 0);
     EXPECT_EQ(take(mediaPath("unknown-codec-only.avi"), 0.5), 0);
     EXPECT_FALSE(fs::exists(picture_));
 }
 
-TEST_F(Snapshots, DecoderThatDoesNotOpen_gives_its_code) {
+TEST_F(Snapshots, decoderThatDoesNotOpen_givesItsCode) {
     EXPECT_EQ(take(mediaPath("damaged-decoder-header.avi"), 0.0), AVERROR_INVALIDDATA);
     EXPECT_FALSE(fs::exists(picture_));
 }
 
-TEST_F(Snapshots, NoPictureThatCanBeDecoded_writes_nothing_and_succeeds) {
+TEST_F(Snapshots, noPictureThatCanBeDecoded_writesNothingAndSucceeds) {
     av_log_set_level(AV_LOG_QUIET);
     EXPECT_EQ(take(mediaPath("headers-gone.ts"), 0.0), 0);
     EXPECT_EQ(take(mediaPath("headers-gone.ts"), 1.0), 0);
@@ -53,7 +53,7 @@ int plainOpenCode(const std::string& path) {
     return result;
 }
 
-TEST_F(Snapshots, FileThatDoesNotOpen_gives_the_libraries_code) {
+TEST_F(Snapshots, fileThatDoesNotOpen_givesTheLibrariesCode) {
     for (const std::string& path : {folder_ / "missing.mp4", mediaPath("text.mp4"),
                                     mediaPath("empty.mp4"), mediaPath("truncated.mp4")}) {
         EXPECT_EQ(take(path, 0.0), plainOpenCode(path)) << path;
@@ -65,12 +65,12 @@ TEST_F(Snapshots, FileThatDoesNotOpen_gives_the_libraries_code) {
     EXPECT_FALSE(fs::exists(picture_));
 }
 
-TEST_F(Snapshots, FileWithoutStreamInfo_gives_the_libraries_code) {
+TEST_F(Snapshots, fileWithoutStreamInfo_givesTheLibrariesCode) {
     EXPECT_EQ(take(mediaPath("impossible-pictures.ivf"), 0.0), AVERROR_INVALIDDATA);
     EXPECT_FALSE(fs::exists(picture_));
 }
 
-TEST_F(Snapshots, NoRegularFile_is_refused_without_waiting) {
+TEST_F(Snapshots, noRegularFile_isRefusedWithoutWaiting) {
     const std::string pipe = folder_ / "pipe.mp4";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_LT(take(pipe, 0.0), 0);

@@ -76,7 +76,7 @@ protected:
     std::string picture_ = folder_ / "picture.bmp";
 };
 
-TEST_F(SnapshotFiles, SamePictureAgain_is_not_written_again) {
+TEST_F(SnapshotFiles, samePictureAgain_isNotWrittenAgain) {
     const std::string path = mediaPath("h264-bframes.flv");
     ASSERT_EQ(take(path, 2.0), 0);
     const double changedTime = engine_.startTimes[0];
@@ -88,7 +88,7 @@ TEST_F(SnapshotFiles, SamePictureAgain_is_not_written_again) {
     EXPECT_EQ(engine_.startTimes[0], changedTime); // as if it had been
 }
 
-TEST_F(SnapshotFiles, OtherTime_is_written) {
+TEST_F(SnapshotFiles, otherTime_isWritten) {
     const std::string path = mediaPath("h264-bframes.flv");
     ASSERT_EQ(take(path, 1.0), 0);
     OpenWatch watch(picture_);
@@ -97,7 +97,7 @@ TEST_F(SnapshotFiles, OtherTime_is_written) {
     EXPECT_TRUE(showsPlainPictureOf(path, 2.5));
 }
 
-TEST_F(SnapshotFiles, RemovedPicture_is_written_again) {
+TEST_F(SnapshotFiles, removedPicture_isWrittenAgain) {
     const std::string path = mediaPath("h264.mp4");
     ASSERT_EQ(take(path, 1.0), 0);
     fs::remove(picture_);
@@ -105,7 +105,7 @@ TEST_F(SnapshotFiles, RemovedPicture_is_written_again) {
     EXPECT_TRUE(showsPlainPictureOf(path, 1.0));
 }
 
-TEST_F(SnapshotFiles, PictureOverwrittenByAnother_is_written_again) {
+TEST_F(SnapshotFiles, pictureOverwrittenByAnother_isWrittenAgain) {
     const std::string path = mediaPath("h264.mp4");
     ASSERT_EQ(take(path, 1.0), 0);
     writeFile(picture_, "something else");
@@ -118,7 +118,7 @@ TEST_F(SnapshotFiles, PictureOverwrittenByAnother_is_written_again) {
     EXPECT_TRUE(showsPlainPictureOf(path, 1.0));
 }
 
-TEST_F(SnapshotFiles, PictureReplacedByAnother_is_written_again) {
+TEST_F(SnapshotFiles, pictureReplacedByAnother_isWrittenAgain) {
     const std::string path = mediaPath("h264.mp4");
     ASSERT_EQ(take(path, 1.0), 0);
     writeFile(folder_ / "other", Bytes(230'454, 0));
@@ -127,7 +127,7 @@ TEST_F(SnapshotFiles, PictureReplacedByAnother_is_written_again) {
     EXPECT_TRUE(showsPlainPictureOf(path, 1.0));
 }
 
-TEST_F(SnapshotFiles, OtherPlace_is_written_there_too) {
+TEST_F(SnapshotFiles, otherPlace_isWrittenThereToo) {
     const std::string path = mediaPath("h264.mp4");
     ASSERT_EQ(take(path, 1.0), 0);
     engine_.snapshotPath = folder_ / "other.bmp";
@@ -135,7 +135,7 @@ TEST_F(SnapshotFiles, OtherPlace_is_written_there_too) {
     EXPECT_TRUE(readFile(folder_ / "other.bmp") == readFile(picture_));
 }
 
-TEST_F(SnapshotFiles, AnotherFileOfTheSameTime_is_written) {
+TEST_F(SnapshotFiles, anotherFileOfTheSameTime_isWritten) {
     ASSERT_EQ(take(mediaPath("h264.mp4"), 1.0), 0);
     ASSERT_EQ(take(mediaPath("h264-gop250.ts"), 1.0), 0);
     EXPECT_TRUE(showsPlainPictureOf(mediaPath("h264-gop250.ts"), 1.0));
@@ -143,7 +143,7 @@ TEST_F(SnapshotFiles, AnotherFileOfTheSameTime_is_written) {
     EXPECT_TRUE(showsPlainPictureOf(mediaPath("h264.mp4"), 1.0));
 }
 
-TEST_F(SnapshotFiles, SourceReplacedByAnotherFile_is_noticed) {
+TEST_F(SnapshotFiles, sourceReplacedByAnotherFile_isNoticed) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     ASSERT_EQ(take(path, 1.0), 0);
     fs::copy_file(mediaPath("two-h264.mp4"), folder_ / "new");
@@ -152,7 +152,7 @@ TEST_F(SnapshotFiles, SourceReplacedByAnotherFile_is_noticed) {
     EXPECT_TRUE(showsPlainPictureOf(mediaPath("two-h264.mp4"), 1.0));
 }
 
-TEST_F(SnapshotFiles, SourceRewrittenInPlace_is_noticed) {
+TEST_F(SnapshotFiles, sourceRewrittenInPlace_isNoticed) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     backdate(path);
     ASSERT_EQ(take(path, 1.0), 0);
@@ -162,7 +162,7 @@ TEST_F(SnapshotFiles, SourceRewrittenInPlace_is_noticed) {
     EXPECT_TRUE(showsPlainPictureOf(mediaPath("two-h264.mp4"), 2.0));
 }
 
-TEST_F(SnapshotFiles, SourceRewrittenToTheSameSize_is_noticed) {
+TEST_F(SnapshotFiles, sourceRewrittenToTheSameSize_isNoticed) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     Bytes other = readFile(mediaPath("two-h264.mp4"));
     other.resize(fs::file_size(path)); // what comes after the last box is not looked at
@@ -173,7 +173,7 @@ TEST_F(SnapshotFiles, SourceRewrittenToTheSameSize_is_noticed) {
     EXPECT_TRUE(showsPlainPictureOf(mediaPath("two-h264.mp4"), 1.0));
 }
 
-TEST_F(SnapshotFiles, SourceRemoved_gives_the_systems_error) {
+TEST_F(SnapshotFiles, sourceRemoved_givesTheSystemsError) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     ASSERT_EQ(take(path, 1.0), 0);
     fs::remove(path);
@@ -181,7 +181,7 @@ TEST_F(SnapshotFiles, SourceRemoved_gives_the_systems_error) {
     EXPECT_EQ(take(path, 2.0), AVERROR(ENOENT));
 }
 
-TEST_F(SnapshotFiles, SourceThatBecameWords_gives_an_error) {
+TEST_F(SnapshotFiles, sourceThatBecameWords_givesAnError) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     backdate(path);
     ASSERT_EQ(take(path, 1.0), 0);
@@ -189,7 +189,7 @@ TEST_F(SnapshotFiles, SourceThatBecameWords_gives_an_error) {
     EXPECT_EQ(take(path, 1.0), AVERROR_INVALIDDATA);
 }
 
-TEST_F(SnapshotFiles, SourceByAnotherName_is_the_same_picture) {
+TEST_F(SnapshotFiles, sourceByAnotherName_isTheSamePicture) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     fs::create_symlink(path, folder_ / "link.mp4");
     ASSERT_EQ(take(path, 1.0), 0);
@@ -206,7 +206,7 @@ protected:
     }
 };
 
-TEST_F(SnapshotOntoSomething, SymbolicLink_is_not_followed) {
+TEST_F(SnapshotOntoSomething, symbolicLink_isNotFollowed) {
     writeFile(folder_ / "precious", "kept");
     fs::create_symlink("precious", picture_);
     expectNothingWritten();
@@ -214,26 +214,26 @@ TEST_F(SnapshotOntoSomething, SymbolicLink_is_not_followed) {
     EXPECT_EQ(readFile(folder_ / "precious").size(), 4U);
 }
 
-TEST_F(SnapshotOntoSomething, HardLink_is_left_alone) {
+TEST_F(SnapshotOntoSomething, hardLink_isLeftAlone) {
     writeFile(folder_ / "precious", "kept");
     fs::create_hard_link(folder_ / "precious", picture_);
     expectNothingWritten();
     EXPECT_EQ(readFile(folder_ / "precious").size(), 4U);
 }
 
-TEST_F(SnapshotOntoSomething, Pipe_is_not_waited_for) {
+TEST_F(SnapshotOntoSomething, pipe_isNotWaitedFor) {
     ASSERT_EQ(mkfifo(picture_.c_str(), 0600), 0);
     expectNothingWritten();
     EXPECT_TRUE(fs::is_fifo(picture_));
 }
 
-TEST_F(SnapshotOntoSomething, Directory_is_left_alone) {
+TEST_F(SnapshotOntoSomething, directory_isLeftAlone) {
     fs::create_directory(picture_);
     expectNothingWritten();
     EXPECT_TRUE(fs::is_empty(picture_));
 }
 
-TEST_F(SnapshotOntoSomething, ObstacleTakenAway_picture_is_written) {
+TEST_F(SnapshotOntoSomething, obstacleTakenAway_pictureIsWritten) {
     fs::create_directory(picture_);
     expectNothingWritten();
     fs::remove(picture_);
@@ -241,7 +241,7 @@ TEST_F(SnapshotOntoSomething, ObstacleTakenAway_picture_is_written) {
     EXPECT_TRUE(showsPlainPictureOf(mediaPath("h264.mp4"), 1.0));
 }
 
-TEST_F(SnapshotOntoSomething, LinkToAnEarlierPicture_is_not_taken_for_it) {
+TEST_F(SnapshotOntoSomething, linkToAnEarlierPicture_isNotTakenForIt) {
     ASSERT_EQ(take(mediaPath("h264.mp4"), 1.0), 0);
     fs::rename(picture_, folder_ / "moved.bmp");
     fs::create_symlink("moved.bmp", picture_);
@@ -250,7 +250,7 @@ TEST_F(SnapshotOntoSomething, LinkToAnEarlierPicture_is_not_taken_for_it) {
     EXPECT_FALSE(watch.wasOpened());
 }
 
-TEST_F(SnapshotOntoSomething, TheSourceItself_is_kept) {
+TEST_F(SnapshotOntoSomething, theSourceItself_isKept) {
     const std::string path = copyOfMedia("h264.mp4", folder_);
     fs::create_symlink(path, picture_);
     EXPECT_EQ(take(path, 1.0), 0);

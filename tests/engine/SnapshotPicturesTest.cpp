@@ -59,13 +59,13 @@ protected:
     std::map<double, ReferenceSnapshot> references_;
 };
 
-TEST_P(SnapshotOf, TimesInOrder_pictures_are_the_plain_ones) {
+TEST_P(SnapshotOf, timesInOrder_picturesAreThePlainOnes) {
     for (const double time : times_) {
         expectReference(time);
     }
 }
 
-TEST_P(SnapshotOf, TimesInAnyOrder_pictures_are_the_plain_ones) {
+TEST_P(SnapshotOf, timesInAnyOrder_picturesAreThePlainOnes) {
     std::mt19937 random(7); // the same order in every run
     for (int round = 0; round < 3; ++round) {
         std::ranges::shuffle(times_, random);
@@ -96,7 +96,7 @@ std::vector<std::string> unindexedMedia() {
             mediaMadeBy(copy + "-an -bsf:v h264_mp4toannexb", "raw.h264")};
 }
 
-TEST_F(Snapshots, WithoutAnIndex_pictures_are_the_plain_ones_in_any_order) {
+TEST_F(Snapshots, withoutAnIndex_picturesAreThePlainOnesInAnyOrder) {
     av_log_set_level(AV_LOG_QUIET);
     for (const std::string& path : unindexedMedia()) {
         for (const double time : {3.5, 0.0, 7.4, 4.6, 1.2, 6.1, 3.5, 2.9}) {
@@ -106,14 +106,14 @@ TEST_F(Snapshots, WithoutAnIndex_pictures_are_the_plain_ones_in_any_order) {
     }
 }
 
-TEST_F(Snapshots, StartOfTheFile_picture_is_the_first) {
+TEST_F(Snapshots, startOfTheFile_pictureIsTheFirst) {
     ASSERT_EQ(take(mediaPath("h264-bframes.mp4"), 0.0), 0);
     EXPECT_EQ(fs::file_size(picture_), 230'454U);
     EXPECT_EQ(engine_.startTimes[0], 0.0);
     EXPECT_TRUE(readFile(picture_) == referenceSnapshot(mediaPath("h264-bframes.mp4"), 0.0).file);
 }
 
-TEST_F(Snapshots, FilesInTurn_pictures_are_those_of_each) {
+TEST_F(Snapshots, filesInTurn_picturesAreThoseOfEach) {
     for (int round = 0; round < 2; ++round) {
         for (const char* name : {"h264-bframes.mp4", "mpeg2.ts", "mpeg4.avi", "h264-gop250.ts"}) {
             expectPlainPicture(mediaPath(name), 2.0);
@@ -121,7 +121,7 @@ TEST_F(Snapshots, FilesInTurn_pictures_are_those_of_each) {
     }
 }
 
-TEST_F(Snapshots, AfterAFailure_next_picture_is_as_ever) {
+TEST_F(Snapshots, afterAFailure_nextPictureIsAsEver) {
     expectPlainPicture(mediaPath("h264-bframes.mp4"), 2.0);
     EXPECT_LT(take(mediaPath("text.mp4"), 2.0), 0);
     EXPECT_LT(take(folder_ / "missing.mp4", 2.0), 0);

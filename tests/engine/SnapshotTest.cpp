@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(Snapshots, LaterInput_its_own_time_is_used_and_changed) {
+TEST_F(Snapshots, laterInput_itsOwnTimeIsUsedAndChanged) {
     const std::string path = mediaPath("h264-bframes.flv");
     engine_.probePath = path;
     engine_.currentIndex = 998;
@@ -30,14 +30,14 @@ TEST_F(Snapshots, LaterInput_its_own_time_is_used_and_changed) {
     EXPECT_EQ(engine_.currentIndex, 998);
 }
 
-TEST_F(Snapshots, SeekByBytes_time_in_the_table_stays) {
+TEST_F(Snapshots, seekByBytes_timeInTheTableStays) {
     for (const char* name : {"h264-bframes.ts", "mpeg2.ts", "mpeg2.mpg", "theora.ogv"}) {
         ASSERT_EQ(take(mediaPath(name), 1.0), 0);
         EXPECT_EQ(engine_.startTimes[0], 1.0) << name;
     }
 }
 
-TEST_F(Snapshots, IndexOutsideTheTable_takes_the_first_picture) {
+TEST_F(Snapshots, indexOutsideTheTable_takesTheFirstPicture) {
     const std::string path = mediaPath("h264.mp4");
     const ReferenceSnapshot first = referenceSnapshot(path, 0.0);
     engine_.probePath = path;
@@ -50,7 +50,7 @@ TEST_F(Snapshots, IndexOutsideTheTable_takes_the_first_picture) {
     }
 }
 
-TEST_F(Snapshots, TimeThatIsNoTime_takes_the_first_picture) {
+TEST_F(Snapshots, timeThatIsNoTime_takesTheFirstPicture) {
     const std::string path = mediaPath("h264.mp4");
     const ReferenceSnapshot first = referenceSnapshot(path, 0.0);
     for (const double seconds : {-1.0, -0.0, -1e300, -std::numeric_limits<double>::infinity(),
@@ -62,7 +62,7 @@ TEST_F(Snapshots, TimeThatIsNoTime_takes_the_first_picture) {
     }
 }
 
-TEST_F(Snapshots, EndlessTime_does_no_harm) {
+TEST_F(Snapshots, endlessTime_doesNoHarm) {
     for (const char* name : {"h264.mp4", "mpeg2.ts", "raw.h264"}) {
         for (const double seconds : {1e300, 9.3e12, std::numeric_limits<double>::infinity()}) {
             EXPECT_EQ(take(mediaPath(name), seconds), 0) << name;
@@ -70,7 +70,7 @@ TEST_F(Snapshots, EndlessTime_does_no_harm) {
     }
 }
 
-TEST_F(Snapshots, VideoIndex_is_logged) {
+TEST_F(Snapshots, videoIndex_isLogged) {
     take(mediaPath("two-streams.mkv"), 0.0);
     EXPECT_NE(logged().find("video index:2\n"), std::string::npos) << logged();
     logged().clear();
@@ -80,7 +80,7 @@ TEST_F(Snapshots, VideoIndex_is_logged) {
     EXPECT_NE(logged().find("video index:-1\n"), std::string::npos) << logged();
 }
 
-TEST_F(Snapshots, StrangeNames_are_plain_names) {
+TEST_F(Snapshots, strangeNames_arePlainNames) {
     for (const char* name : {"a:b%d.mp4", "two\nlines \"x\" 'y'.mp4", "動画.mp4"}) {
         const std::string path = folder_ / name;
         fs::copy_file(mediaPath("h264.mp4"), path);
@@ -90,7 +90,7 @@ TEST_F(Snapshots, StrangeNames_are_plain_names) {
     }
 }
 
-TEST_F(Snapshots, ManyFiles_only_the_last_stays_open) {
+TEST_F(Snapshots, manyFiles_onlyTheLastStaysOpen) {
     engine_.snapshotPath = picture_;
     take(folder_ / "missing.mp4", 0.0);
     const std::size_t before = openDescriptors();

@@ -63,7 +63,7 @@ protected:
 
 class StreamInfoAt : public StreamInfo, public ::testing::WithParamInterface<std::string> {};
 
-TEST_P(StreamInfoAt, Rate_is_the_same_as_read_plainly) {
+TEST_P(StreamInfoAt, rate_isTheSameAsReadPlainly) {
     expectPlain(pictures(GetParam()) + kX264, "rate.mkv");
     for (const char* extension : {"mp4", "mov", "mkv", "ts", "avi", "flv", "mpg", "asf"}) {
         expectPlain(pictures(GetParam()) + kReordered, std::string("rate.") + extension);
@@ -76,14 +76,14 @@ INSTANTIATE_TEST_SUITE_P(Rates, StreamInfoAt,
                                            "100", "120000/1001", "120"),
                          [](const auto& tested) { return asTestName(tested.param); });
 
-TEST_P(StreamInfoAt, RateBesideSoundAndTexts_is_the_same_as_read_plainly) {
+TEST_P(StreamInfoAt, rateBesideSoundAndTexts_isTheSameAsReadPlainly) {
     const std::string texts =
         "-i @subtitles.mkv " + pictures(GetParam(), kSound) + " -map 1:v -map 2:a -map 0:s";
     expectPlain(texts + " -shortest -c:a aac" + kX264, "beside.mkv");
     expectPlain(texts + " -shortest -c:a aac -c:s mov_text" + kX264, "beside.mp4");
 }
 
-TEST_F(StreamInfo, FieldsAndHevc_same_as_read_plainly) {
+TEST_F(StreamInfo, fieldsAndHevc_sameAsReadPlainly) {
     for (const char* rate : {"2", "60000/1001"}) {
         for (const char* name : {"rate.mp4", "rate.mkv"}) {
             expectPlain(pictures(rate) + kInterlaced, name);
@@ -92,7 +92,7 @@ TEST_F(StreamInfo, FieldsAndHevc_same_as_read_plainly) {
     }
 }
 
-TEST_F(StreamInfo, SoundAndSubtitles_same_as_read_plainly) {
+TEST_F(StreamInfo, soundAndSubtitles_sameAsReadPlainly) {
     const std::string sound = pictures("60", kSound) + " -shortest -c:a aac" + kReordered;
     const std::string texts = "-i @subtitles.mkv " + pictures("60") + " -map 1:v -map 0:s";
     for (const char* name : {"more.mp4", "more.mkv"}) {
@@ -102,7 +102,7 @@ TEST_F(StreamInfo, SoundAndSubtitles_same_as_read_plainly) {
     expectPlain(texts + kReordered + " -c:s mov_text", "more.mp4");
 }
 
-TEST_F(StreamInfo, PicturesThatStartLater_start_is_the_same) {
+TEST_F(StreamInfo, picturesThatStartLater_startIsTheSame) {
     for (const char* name : {"later.mkv", "later.mp4"}) {
         expectPlain("-itsoffset 2 " + pictures("25") + kReordered, name);
         expectPlain("-itsoffset 2 " + pictures("25") + kX264, name);
@@ -111,7 +111,7 @@ TEST_F(StreamInfo, PicturesThatStartLater_start_is_the_same) {
     }
 }
 
-TEST_F(StreamInfo, PicturesWithoutAPattern_same_as_read_plainly) {
+TEST_F(StreamInfo, picturesWithoutAPattern_sameAsReadPlainly) {
     for (const char* times :
          {"N*N/400/TB", "N/1000/TB+random(0)/TB", "(N/30+gt(N\\,9)*0.013)/TB"}) {
         for (const char* name : {"variable.mp4", "variable.mkv"}) {
@@ -124,7 +124,7 @@ TEST_F(StreamInfo, PicturesWithoutAPattern_same_as_read_plainly) {
 }
 
 // Decoding times without a pattern leave the rate to what the headers say.
-TEST_F(StreamInfo, RateOfTheHeaders_same_as_read_plainly) {
+TEST_F(StreamInfo, rateOfTheHeaders_sameAsReadPlainly) {
     const std::string irregular =
         mediaMadeBy(pictures("30") +
                         " -vf settb=1/90000,setpts='(N+0.4*sin(N*N))/30/TB' -vsync vfr "
@@ -142,24 +142,24 @@ TEST_F(StreamInfo, RateOfTheHeaders_same_as_read_plainly) {
     }
 }
 
-TEST_F(StreamInfo, TextLongBeforeThePictures_start_is_the_same) {
+TEST_F(StreamInfo, textLongBeforeThePictures_startIsTheSame) {
     expectPlain("-i @subtitles.mkv -itsoffset 3 " + pictures("25") + " -map 1:v -map 0:s" + kX264,
                 "text.mkv");
 }
 
-TEST_F(StreamInfo, SoundOfVaryingBitRate_same_as_read_plainly) {
+TEST_F(StreamInfo, soundOfVaryingBitRate_sameAsReadPlainly) {
     const std::string noise = " -f lavfi -i anoisesrc=a=0.1,volume='min(t,1)':eval=frame";
     expectPlain(pictures("25", noise) + " -shortest -c:a libmp3lame -q:a 3" + kX264, "varying.mkv");
 }
 
-TEST_F(StreamInfo, FewPictures_same_as_read_plainly) {
+TEST_F(StreamInfo, fewPictures_sameAsReadPlainly) {
     for (const char* count : {"1", "2", "7", "8", "19", "20"}) {
         expectPlain(pictures("25") + " -frames:v " + count + kReordered, "few.mkv");
         expectPlain(pictures("25") + " -frames:v " + count + kX264, "few.mkv");
     }
 }
 
-TEST_F(StreamInfo, WhatCamerasWrite_is_read_without_decoders) {
+TEST_F(StreamInfo, whatCamerasWrite_isReadWithoutDecoders) {
     const std::string sound = pictures("30000/1001", kSound) + " -shortest -c:a aac";
     for (const std::string& codec : {kX264, kReordered, kX265}) {
         for (const char* name : {"camera.mp4", "camera.mov", "camera.mkv"}) {

@@ -38,8 +38,9 @@ public:
     }
     Input mutated(Input input) {
         constexpr std::size_t most = 8;
-        for (std::size_t i = below(most) + 1; i > 0 && !input.empty(); --i)
+        for (std::size_t i = below(most) + 1; i > 0 && !input.empty(); --i) {
             changeOnce(input);
+        }
         return input;
     }
 
@@ -115,8 +116,9 @@ void tryInput(const Input& input) {
 void tryInputs(const std::vector<Input>& seeds, std::size_t count, unsigned randomSeed) {
     Mutator mutator(randomSeed);
     std::ranges::for_each(seeds, tryInput);
-    for (std::size_t i = seeds.size(); i < count; ++i)
+    for (std::size_t i = seeds.size(); i < count; ++i) {
         tryInput(mutator.mutated(seeds[mutator.below(seeds.size())]));
+    }
 }
 
 } // namespace
@@ -125,8 +127,9 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::vector<Input> seeds = seedsIn(words.at(0));
-        if (seeds.empty())
+        if (seeds.empty()) {
             throw std::invalid_argument("no seeds");
+        }
         tryInputs(seeds, std::stoul(words.at(1)), static_cast<unsigned>(std::stoul(words.at(2))));
         return 0;
     } catch (const std::exception& error) {

@@ -15,8 +15,9 @@ namespace {
 constexpr std::int32_t kLongestMs = (99 * 3600 + 99 * 60 + 99) * 1000 + 999;
 
 void require(bool holds) {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 } // namespace

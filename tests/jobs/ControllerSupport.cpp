@@ -13,8 +13,9 @@ ControllerTest::ControllerTest() {
 
 void ControllerTest::show(ConverterController& controller, const ConverterInfo& job,
                           const std::function<void()>& inside) {
-    if (inside)
+    if (inside) {
         QTimer::singleShot(0, &controller, inside);
+    }
     controller.showConverterFrom(job);
 }
 
@@ -39,8 +40,9 @@ ConverterInfo ControllerTest::slowJob(const std::string& name, int width, int he
 QWidget& ControllerTest::windowOf(const ConverterController& controller) {
     for (QWidget* window = controller.totleProgress(); window != nullptr;
          window = window->parentWidget()) {
-        if (window->isWindow())
+        if (window->isWindow()) {
             return *window;
+        }
     }
     throw std::logic_error("there is no progress window");
 }
@@ -58,10 +60,12 @@ void ControllerTest::setCounters(int index, int count, int percent,
     engine_.currentIndex = index;
     engine_.jobCount = count;
     engine_.currentPercent = percent;
-    for (auto& state : engine_.fileStates)
+    for (auto& state : engine_.fileStates) {
         state = ConversionEngine::Pending;
-    for (std::size_t i = 0; i < states.size(); ++i)
+    }
+    for (std::size_t i = 0; i < states.size(); ++i) {
         engine_.fileStates[i] = static_cast<std::uint8_t>(states[i]);
+    }
 }
 
 bool ControllerTest::waitForAlerts(qsizetype count) const {

@@ -42,4 +42,25 @@ protected:
     AlertReader alerts_;
 };
 
+/// The same with one controller.
+class ConverterControllerTest : public ControllerTest {
+protected:
+    /// Three items named one, two and three, without a run.
+    void addThree() {
+        for (const char* name : {"/a/one.mp4", "/a/two.mp4", "/a/three.mp4"}) {
+            addItem(name, 0, 1000).isSeleted = 1;
+        }
+    }
+    NodeInfo& item(std::size_t index) { return *sharedFileList->at(index); }
+    std::vector<int> states() const {
+        std::vector<int> all;
+        for (const auto& each : *sharedFileList) {
+            all.push_back(each->converteState);
+        }
+        return all;
+    }
+
+    ConverterController controller_;
+};
+
 } // namespace velmora::test

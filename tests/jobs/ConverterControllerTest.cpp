@@ -12,24 +12,6 @@
 namespace velmora::test {
 namespace {
 
-class ConverterControllerTest : public ControllerTest {
-protected:
-    /// Three items named one, two and three, without a run.
-    void addThree() {
-        for (const char* name : {"/a/one.mp4", "/a/two.mp4", "/a/three.mp4"})
-            addItem(name, 0, 1000).isSeleted = 1;
-    }
-    NodeInfo& item(std::size_t index) { return *sharedFileList->at(index); }
-    std::vector<int> states() const {
-        std::vector<int> all;
-        for (const auto& each : *sharedFileList)
-            all.push_back(each->converteState);
-        return all;
-    }
-
-    ConverterController controller_;
-};
-
 TEST_F(ConverterControllerTest, tick_counters_areShown) {
     addThree();
     setCounters(1, 3, 45, {1});
@@ -181,8 +163,9 @@ TEST_F(ConverterControllerTest, runsOneAfterTheOther_areEachToldOnce) {
 }
 
 TEST_F(ConverterControllerTest, join_countsItsItems) {
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         addItem(mediaPath("h264.mp4"), 0, 4);
+    }
     show(controller_, directJob("out.mp4", 0));
     EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
     EXPECT_EQ(states(), (std::vector{1, 1, 1}));
@@ -258,84 +241,6 @@ TEST_F(ConverterControllerTest, runThatCannotBeStarted_isToldAsFailedWithoutStat
     EXPECT_EQ(states(), std::vector<int>{Ready});
     EXPECT_EQ(item(0).isSeleted, 1);
     EXPECT_FALSE(isRefreshing(controller_));
-}
-
-/// The ways in which a user cancels.
-class CancelBy : public ConverterControllerTest, public testing::WithParamInterface<const char*> {
-protected:
-    void cancel() {
-        QWidget& window = windowOf(controller_);
-        if (GetParam() == std::string("click"))
-            QTest::mouseClick(window.findChild<QPushButton*>("btCancel"), Qt::LeftButton);
-        else
-            QTest::keyClick(&window, Qt::Key_Escape);
-    }
-};
-
-TEST_P(CancelBy, run_stopsAndNothingIsSaid) {
-    addItem(mediaPath("h264.mp4"), 0, 4000).isSeleted = 1;
-    show(controller_, slowJob("out.mp4", 3840, 2160), [&] {
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&windowOf(controller_)));
-        cancel();
-        EXPECT_FALSE(windowOf(controller_).isVisible());
-        EXPECT_EQ(engine_.stopRequested, 1);
-        EXPECT_EQ(modalWindow(), nullptr);
-    });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !isRefreshing(controller_); }));
-    EXPECT_TRUE(alerts_.messages.isEmpty());
-    EXPECT_LE(item(0).converteState, Ready); // or pending, by what the run was doing
-
-    show(controller_, directJob("next.mp4"));
-    EXPECT_EQ(alerts_.messages, QStringList{kCompleted});
-}
-
-INSTANTIATE_TEST_SUITE_P(Ways, CancelBy, testing::Values("click", "escape"),
-                         [](const auto& made) { return std::string(made.param); });
-
-TEST_F(ConverterControllerTest, cancelAtOnce_reachesAWorkerThatHasNotBegun) {
-    addItem(mediaPath("h264.mp4"), 0, 4000);
-    const ConverterInfo job = slowJob("out.mp4", 3840, 2160);
-    for (int round = 0; round < 20; ++round) {
-        show(controller_, job, [&] { controller_.closeFrom(); });
-        std::filesystem::remove(folder_ / "out.mp4");
-    }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !isRefreshing(controller_); }, 60000));
-    EXPECT_TRUE(alerts_.messages.isEmpty());
-    EXPECT_LE(item(0).converteState, Ready); // or pending, by what the run was doing
-}
-
-TEST_F(ConverterControllerTest, destruction_stopsTheRunAndWaits) {
-    addItem(mediaPath("h264.mp4"), 0, 4000);
-    auto leaving = std::make_unique<ConverterController>();
-    show(*leaving, slowJob("out.mp4", 3840, 2160), [&] { windowOf(*leaving).close(); });
-    leaving.reset();
-    EXPECT_EQ(engine_.stopRequested, 1);
-    EXPECT_EQ(engine_.fileStates[0], ConversionEngine::Pending);
-    EXPECT_TRUE(alerts_.messages.isEmpty());
-}
-
-TEST_F(ConverterControllerTest, window_hasItsOutletsWithNames) {
-    controller_.refreshProgree();
-    const QWidget& window = windowOf(controller_);
-    EXPECT_EQ(window.objectName(), "ConverterFrom");
-    EXPECT_FALSE(window.toolTip().isEmpty());
-    EXPECT_EQ(window.findChild<QPushButton*>("btCancel")->text(), "Cancel");
-    for (const char* name :
-         {"singleTxt", "totleTxt", "singleProgress", "totleProgress", "btCancel"}) {
-        const auto* widget = window.findChild<QWidget*>(name);
-        ASSERT_NE(widget, nullptr) << name;
-        EXPECT_TRUE(!widget->accessibleName().isEmpty() || widget->inherits("QLabel")) << name;
-    }
-    EXPECT_EQ(controller_.singleProgress()->maximum(), 100);
-    EXPECT_EQ(controller_.totleProgress()->maximum(), 100);
-}
-
-TEST_F(ConverterControllerTest, window_longName_needsNoMoreRoom) {
-    addItem("/a/" + std::string(250, 'w') + ".mp4", 0, 1);
-    setCounters(0, 1, 5);
-    controller_.refreshProgree();
-    EXPECT_LT(windowOf(controller_).sizeHint().width(), 600);
-    EXPECT_LT(windowOf(controller_).minimumSizeHint().width(), 600);
 }
 
 } // namespace

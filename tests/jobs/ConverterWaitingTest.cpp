@@ -41,8 +41,9 @@ TEST_F(ConverterWaitingTest, closedByItsBox_theRunGoesOnAndIsToldInTheEnd) {
 TEST_F(ConverterWaitingTest, previewAsTheRunEnds_theOutcomeIsTheRuns) {
     NodeInfo& item = addItem(mediaPath("h264.mp4"), 0, 4000);
     leaveGoing(first_, slowJob("out.mp4", 320, 180));
-    while (engine_.currentIndex != 1) // its end is not looked for before the next tick
+    while (engine_.currentIndex != 1) { // its end is not looked for before the next tick
         std::this_thread::yield();
+    }
     {
         const FirstInput previewed;
         EXPECT_EQ(engine_.currentIndex, 0);

@@ -74,8 +74,9 @@ TEST_F(DriverTimesTest, tableBeingFilled_showsNoPercent) {
     QList<int> percents;
     {
         const AtPlatformLine watch([&](const QString& line) {
-            if (line.startsWith("len:") || line.startsWith("curNode.start:"))
+            if (line.startsWith("len:") || line.startsWith("curNode.start:")) {
                 percents.append(engine_.currentPercent);
+            }
         });
         run(1);
     }

@@ -80,8 +80,9 @@ protected:
                            double picturesPerSecond) {
         std::vector<std::int64_t> times; // ticks
         for (const auto& packet : packets) {
-            if (packet.at("stream_index") == video.at("index"))
+            if (packet.at("stream_index") == video.at("index")) {
                 times.push_back(packet.at(packet.contains("dts") ? "dts" : "pts"));
+            }
         }
         ASSERT_GE(times.size(), 3U);
         const auto timeBase = QString::fromStdString(video.at("time_base")).split('/');
@@ -104,12 +105,14 @@ TEST_P(ProfileChoices, defaults_work) {
 // Round k takes the k-th choice of every parameter, so each choice is taken at least once.
 TEST_P(ProfileChoices, everyChoice_works) {
     qsizetype rounds = 0;
-    for (const ProfileParameter& each : profile_.setInfo)
+    for (const ProfileParameter& each : profile_.setInfo) {
         rounds = std::max(rounds, each.arrayValue.size());
+    }
     for (qsizetype round = 0; round < rounds; ++round) {
         Profile chosen = profile_;
-        for (ProfileParameter& each : chosen.setInfo)
+        for (ProfileParameter& each : chosen.setInfo) {
             each.index = static_cast<std::int32_t>(round % each.arrayValue.size());
+        }
         currentSetting->initWithDict(&chosen);
         expectAsSet(convert());
     }
@@ -133,8 +136,9 @@ TEST_P(ProfileChoices, everyCombinationOfSound_works) {
 
 std::vector<std::string> names() {
     std::vector<std::string> all;
-    for (const QString& name : offered().getAllProfileName())
+    for (const QString& name : offered().getAllProfileName()) {
         all.push_back(name.toStdString());
+    }
     return all;
 }
 
@@ -145,8 +149,9 @@ class OfferedProfiles : public testing::Test {
 protected:
     std::vector<const Profile*> all_ = [] {
         std::vector<const Profile*> all;
-        for (const QString& name : offered().getAllProfileName())
+        for (const QString& name : offered().getAllProfileName()) {
             all.push_back(offered().getProfileByName(name));
+        }
         return all;
     }();
 };

@@ -130,10 +130,11 @@ TEST_F(ProfileInfoTest, initWithDict_allParameters_fillTheirFields) {
     const QStringList names{"vEncoder", "vResolution", "vBitRate", "vFrameRate",
                             "aEncoder", "aSamplerate", "aBitRate", "channel"};
     std::string parameters;
-    for (const QString& name : names)
+    for (const QString& name : names) {
         parameters += "<dict>" + text("name", name.toStdString()) +
                       "<key>arrayValue</key><array><string>no</string><string>" +
                       name.toStdString() + "</string></array>" + integer("index", 1) + "</dict>";
+    }
     load("<array>" + profile(9, "p", parameters) + "</array>");
 
     const NodeSetting setting = firstSetting();

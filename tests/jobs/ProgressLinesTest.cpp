@@ -29,8 +29,9 @@ TEST_F(ProgressLinesTest, secondRun_beginsWithBothBarsEmpty) {
 }
 
 TEST_F(ProgressLinesTest, allInputsDone_itemLineStaysThatOfTheLast) {
-    for (const char* const name : {"/a/one.mp4", "/a/two.mp4"})
+    for (const char* const name : {"/a/one.mp4", "/a/two.mp4"}) {
         addItem(name, 0, 1000);
+    }
     setCounters(1, 2, 45, {1});
     controller_.refreshProgree();
     setCounters(2, 2, 100, {1, 1});
@@ -42,16 +43,18 @@ TEST_F(ProgressLinesTest, allInputsDone_itemLineStaysThatOfTheLast) {
 }
 
 TEST_F(ProgressLinesTest, timeLine_tellsTimePassedAndThenTimeLeft) {
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         addItem(mediaPath("h264.mp4"), 0, 4);
+    }
     ConverterInfo job = slowJob("out.mp4", 3840, 2160);
     job.isCutter = 0; // a join goes on for long enough to be foreseen
     QStringList seen;
     show(controller_, job, [&] {
         const auto take = [&] {
             const QString text = textOf(controller_, "timeTxt");
-            if (!text.trimmed().isEmpty() && text != seen.value(seen.size() - 1))
+            if (!text.trimmed().isEmpty() && text != seen.value(seen.size() - 1)) {
                 seen.append(text);
+            }
             return text.contains("left");
         };
         EXPECT_TRUE(QTest::qWaitFor(take, 60000));

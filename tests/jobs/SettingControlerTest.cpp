@@ -19,8 +19,9 @@ using Act = std::function<void(QWidget& window)>;
 /// A parameter with the choices <letter>1, <letter>2 and <letter>3.
 std::string parameter(const std::string& name, const std::string& letter, int index) {
     std::string choices;
-    for (const char* const number : {"1", "2", "3"})
+    for (const char* const number : {"1", "2", "3"}) {
         choices += "<string>" + letter + number + "</string>";
+    }
     return "<dict><key>name</key><string>" + name + "</string><key>arrayValue</key><array>" +
            choices + "</array><key>index</key><integer>" + std::to_string(index) +
            "</integer></dict>";
@@ -64,8 +65,9 @@ protected:
     /// What the boxes show, video first.
     static QStringList shown(QWidget& window) {
         QStringList all;
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             all.append(box(window, name).currentText());
+        }
         return all;
     }
     static QStringList stored() {
@@ -92,8 +94,9 @@ TEST_F(SettingControlerTest, open_showsTheProfilesChoicesAndDefaults) {
         EXPECT_EQ(window.objectName(), "SettingFrom");
         EXPECT_EQ(window.findChild<QLabel*>("proName")->text(), "p");
         EXPECT_EQ(shown(window), defaults_);
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             EXPECT_EQ(box(window, name).count(), 3) << name;
+        }
         EXPECT_EQ(box(window, "comVBitrate").itemText(2), "vb3");
         press(window, "btCancel");
     });
@@ -125,8 +128,9 @@ TEST_F(SettingControlerTest, ok_storesWhatIsSelectedAndNothingElse) {
     currentSetting->width = 5;
     currentSetting->height = 6;
     const bool confirmed = open([](QWidget& window) {
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             QTest::keyClick(&box(window, name), Qt::Key_End);
+        }
         press(window, "btOK");
         EXPECT_FALSE(window.isVisible());
     });
@@ -168,8 +172,9 @@ TEST_F(SettingControlerTest, default_selectsTheDefaultsAndStoresNothing) {
     currentSetting->vFrameRate = "vf1";
     const QStringList before = stored();
     open([this, &before](QWidget& window) {
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             QTest::keyClick(&box(window, name), Qt::Key_Home);
+        }
         press(window, "btDefault");
         EXPECT_EQ(shown(window), defaults_);
         EXPECT_EQ(stored(), before);
@@ -180,15 +185,17 @@ TEST_F(SettingControlerTest, default_selectsTheDefaultsAndStoresNothing) {
 
 TEST_F(SettingControlerTest, default_profileUnknownByThen_changesTheNameOnly) {
     open([](QWidget& window) {
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             QTest::keyClick(&box(window, name), Qt::Key_End);
+        }
         const QStringList before = shown(window);
         currentSetting->profileName = "unknown";
         press(window, "btDefault");
         EXPECT_EQ(window.findChild<QLabel*>("proName")->text(), "unknown");
         EXPECT_EQ(shown(window), before);
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             EXPECT_EQ(box(window, name).count(), 3) << name;
+        }
         press(window, "btCancel");
     });
 }
@@ -205,14 +212,16 @@ TEST_F(SettingControlerTest, defaultThenOk_storesTheDefaults) {
 TEST_F(SettingControlerTest, profile_unknown_leavesTheBoxesEmptyAndOkStoresThat) {
     currentSetting->profileName = "unknown";
     for (const bool storeExists : {true, false}) {
-        if (!storeExists)
+        if (!storeExists) {
             editorProfileStore.reset();
+        }
         currentSetting->vEncoder = "before";
         currentSetting->isDefautValue = 0;
         open([](QWidget& window) {
             EXPECT_EQ(window.findChild<QLabel*>("proName")->text(), "unknown");
-            for (const char* const name : kBoxes)
+            for (const char* const name : kBoxes) {
                 EXPECT_EQ(box(window, name).count(), 0) << name;
+            }
             press(window, "btDefault");
             press(window, "btOK");
         });
@@ -258,10 +267,12 @@ TEST_F(SettingControlerTest, keys_returnConfirmsAndTabGoesDownBothColumns) {
 
 TEST_F(SettingControlerTest, widgets_haveAccessibleNames) {
     open([](QWidget& window) {
-        for (const char* const name : kBoxes)
+        for (const char* const name : kBoxes) {
             EXPECT_FALSE(box(window, name).accessibleName().isEmpty()) << name;
-        for (const QPushButton* const button : window.findChildren<QPushButton*>())
+        }
+        for (const QPushButton* const button : window.findChildren<QPushButton*>()) {
             EXPECT_FALSE(button->accessibleName().isEmpty());
+        }
         press(window, "btCancel");
     });
 }

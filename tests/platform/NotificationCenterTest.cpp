@@ -23,8 +23,9 @@ TEST(NotificationCenterTest, post_oneObserverSubscribedThreeTimes_isCalledThreeT
     NotificationCenter center;
     int calls = 0;
     const auto observer = [&calls](const Notification&) { ++calls; };
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         center.addObserver("name", observer);
+    }
     center.post("name", nullptr);
     EXPECT_EQ(calls, 3);
 }

@@ -80,9 +80,10 @@ TEST_F(OpenPanelTest, files_severalMarkedByMouse_givesAllPaths) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return list.model()->rowCount(list.rootIndex()) == 3; }));
     for (int row = 0; row < 3; ++row) {
         const QModelIndex entry = list.model()->index(row, 0, list.rootIndex());
-        if (entry.data() != "inner")
+        if (entry.data() != "inner") {
             QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::ControlModifier,
                               list.visualRect(entry).center());
+        }
     }
     QTest::keyClick(panel->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
     EXPECT_EQ(result(), 1);

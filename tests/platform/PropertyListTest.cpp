@@ -25,8 +25,9 @@ std::string begun(std::string_view rest) {
 
 std::string repeated(const std::string& text, int times) {
     std::string all;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         all += text;
+    }
     return all;
 }
 
@@ -36,8 +37,9 @@ std::string nested(int levels) {
 
 std::string bigEndian(std::uint64_t value, int bytes) {
     std::string text;
-    for (int shift = (bytes - 1) * 8; shift >= 0; shift -= 8)
+    for (int shift = (bytes - 1) * 8; shift >= 0; shift -= 8) {
         text += static_cast<char>(value >> static_cast<unsigned>(shift));
+    }
     return text;
 }
 
@@ -57,8 +59,9 @@ std::string binary(const std::vector<std::string>& objects) {
 /// A coded array of these objects; "\xAF\x11" announces a count of two bytes.
 std::string arrayOf(const std::vector<std::uint64_t>& indexes) {
     std::string object = "\xAF\x11" + bigEndian(indexes.size(), 2);
-    for (const std::uint64_t index : indexes)
+    for (const std::uint64_t index : indexes) {
         object += bigEndian(index, 2);
+    }
     return object;
 }
 
@@ -126,16 +129,18 @@ TEST_F(PropertyListTest, read_nesting_isLimited) {
 
 TEST_F(PropertyListTest, read_binaryNestedDeeply_givesNothing) {
     std::vector<std::string> objects;
-    for (std::uint64_t i = 1; i < 20000; ++i)
+    for (std::uint64_t i = 1; i < 20000; ++i) {
         objects.push_back(arrayOf({i}));
+    }
     objects.push_back(arrayOf({}));
     EXPECT_FALSE(read(binary(objects)).isValid());
 }
 
 TEST_F(PropertyListTest, read_binaryThatHoldsAnArrayTwice_givesNothing) {
     std::vector<std::string> objects;
-    for (std::uint64_t i = 1; i < 30; ++i)
+    for (std::uint64_t i = 1; i < 30; ++i) {
         objects.push_back(arrayOf({i, i}));
+    }
     objects.push_back(arrayOf({}));
     EXPECT_FALSE(read(binary(objects)).isValid());
     EXPECT_FALSE(read(binary({arrayOf({0})})).isValid());
@@ -182,8 +187,9 @@ TEST_F(PropertyListTest, read_damagedBytes_neverCrashes) {
     int readable = 0;
     for (int round = 0; round < 2000; ++round) {
         std::string content = round % 2 == 0 ? xml : coded;
-        for (int i = 0; i < 3; ++i)
+        for (int i = 0; i < 3; ++i) {
             content[random() % content.size()] = static_cast<char>(random());
+        }
         readable += read(content).isValid() ? 1 : 0;
     }
     EXPECT_GT(readable, 0);

@@ -16,11 +16,13 @@ AlertReader::AlertReader() {
 
 void AlertReader::answer() {
     QMessageBox* const box = alertPanel();
-    if (!box || !box->isVisible() || !mayAnswer())
+    if (!box || !box->isVisible() || !mayAnswer()) {
         return;
+    }
     QStringList labels;
-    for (const QAbstractButton* const button : box->buttons())
+    for (const QAbstractButton* const button : box->buttons()) {
         labels.append(button->text());
+    }
     messages.append(box->text());
     titles.append(box->windowTitle());
     buttons.append(labels.join('|'));

@@ -18,8 +18,9 @@ namespace {
 
 QAbstractButton* buttonOf(const QMessageBox& box, const QString& label) {
     for (QAbstractButton* const button : box.buttons()) {
-        if (button->text() == label)
+        if (button->text() == label) {
             return button;
+        }
     }
     return nullptr;
 }
@@ -54,14 +55,16 @@ void clickOnScreen(QWidget& widget) {
 bool dropFiles(QWidget& target, const QStringList& paths) {
     QMimeData files;
     QList<QUrl> urls;
-    for (const QString& path : paths)
+    for (const QString& path : paths) {
         urls.append(QUrl::fromLocalFile(path));
+    }
     files.setUrls(urls);
     const QPoint place = target.rect().center();
     QDragEnterEvent enter(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&target, &enter);
-    if (!enter.isAccepted())
+    if (!enter.isAccepted()) {
         return false;
+    }
     QDropEvent drop(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&target, &drop);
     return drop.isAccepted();

@@ -38,12 +38,14 @@ void LogLines::clear() {
 
 void LogLines::take(QtMsgType type, const QMessageLogContext& context, const QString& line) {
     const std::lock_guard lock(guard);
-    if (!current)
+    if (!current) {
         return;
-    if (std::strcmp(context.category, "velmora") == 0)
+    }
+    if (std::strcmp(context.category, "velmora") == 0) {
         current->lines_.append(line);
-    else if (current->before_)
+    } else if (current->before_) {
         current->before_(type, context, line);
+    }
 }
 
 } // namespace velmora::test

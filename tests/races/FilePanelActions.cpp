@@ -29,22 +29,25 @@ bool isForJoiner(const Round& round) {
 void chooseAtMostOne(QFileDialog& panel) {
     panel.setFileMode(QFileDialog::ExistingFile);
     auto* const list = panel.findChild<QAbstractItemView*>("listView");
-    if (list && panel.selectedFiles().size() > 1)
+    if (list && panel.selectedFiles().size() > 1) {
         list->clearSelection();
+    }
 }
 
 /// The file panel in front, if there is one. Several files are chosen for the joiner only.
 QFileDialog* filePanel(const Round& round) {
     auto* const panel = inFront<QFileDialog>();
-    if (panel && panel->fileMode() != QFileDialog::Directory && !isForJoiner(round))
+    if (panel && panel->fileMode() != QFileDialog::Directory && !isForJoiner(round)) {
         chooseAtMostOne(*panel);
+    }
     return panel;
 }
 
 QString namesFor(Round& round) {
     QString names = '"' + round.files.any(round.random) + '"';
-    for (int more = isForJoiner(round) ? round.random.below(3) : 0; more > 0; --more)
+    for (int more = isForJoiner(round) ? round.random.below(3) : 0; more > 0; --more) {
         names += " \"" + round.files.any(round.random) + '"';
+    }
     return names;
 }
 
@@ -65,16 +68,18 @@ void nameFiles(Round& round) {
 
 void nameFilesAndReturn(Round& round) {
     QLineEdit* const name = nameFilesIn(round);
-    if (name && filePanel(round)) // naming selects as well
+    if (name && filePanel(round)) { // naming selects as well
         QTest::keyClick(name, Qt::Key_Return);
+    }
 }
 
 void pressDialogButton(const Round& round, QDialogButtonBox::StandardButton which) {
     const auto* const panel = filePanel(round);
     const auto* const buttons = panel ? panel->findChild<QDialogButtonBox*>() : nullptr;
     auto* const button = buttons ? buttons->button(which) : nullptr;
-    if (button && button->isEnabled())
+    if (button && button->isEnabled()) {
         button->click();
+    }
 }
 
 void nameFilesAndPressOpen(Round& round) {
@@ -87,16 +92,18 @@ void pressCancel(Round& round) {
 }
 
 void closeBox(Round& /*round*/) {
-    if (auto* const box = inFront<QDialog>())
+    if (auto* const box = inFront<QDialog>()) {
         box->close();
+    }
 }
 
 /// Not Delete: a file panel would delete files.
 void anyKey(Round& round) {
     constexpr std::array keys{Qt::Key_Return, Qt::Key_Escape, Qt::Key_Tab};
     filePanel(round); // sees to it that Return chooses one file for the cutter
-    if (const QWidget* const window = inFront<QWidget>(); window && window->windowHandle())
+    if (const QWidget* const window = inFront<QWidget>(); window && window->windowHandle()) {
         QTest::keyClick(window->windowHandle(), round.random.oneOf(keys));
+    }
 }
 
 void lookOn(Round& round) {
@@ -105,19 +112,22 @@ void lookOn(Round& round) {
 
 void pressAnyButton(Round& round) {
     const auto* const box = inFront<QMessageBox>();
-    if (box && !box->buttons().isEmpty())
+    if (box && !box->buttons().isEmpty()) {
         QTest::mouseClick(round.random.oneOf(box->buttons()), Qt::LeftButton);
+    }
 }
 
 void popUpKey(Round& round) {
     constexpr std::array keys{Qt::Key_Down, Qt::Key_Up, Qt::Key_Return, Qt::Key_Escape};
-    if (QWidget* const popUp = QApplication::activePopupWidget())
+    if (QWidget* const popUp = QApplication::activePopupWidget()) {
         QTest::keyClick(popUp, round.random.oneOf(keys));
+    }
 }
 
 void closePopUp(Round& /*round*/) {
-    if (QWidget* const popUp = QApplication::activePopupWidget())
+    if (QWidget* const popUp = QApplication::activePopupWidget()) {
         popUp->close();
+    }
 }
 
 constexpr std::array kFilePanel{

@@ -32,14 +32,16 @@ void dropOnPreview(Round& round) {
 
 void dropOnTable(Round& round) {
     auto& table = outlet<JoinerTable>(round, "tableView");
-    if (table.isVisible())
+    if (table.isVisible()) {
         dropFiles(*table.viewport(), {round.files.any(round.random)});
+    }
 }
 
 void scrubByMouse(Round& round) {
     auto& bar = outlet<CustomSlider>(round, "mCustomSlider");
-    if (!bar.isVisible())
+    if (!bar.isVisible()) {
         return;
+    }
     QTest::mousePress(&bar, Qt::LeftButton, {}, onBar(round, bar));
     for (int i = round.random.below(5); i > 0; --i) {
         const QPoint place = onBar(round, bar);
@@ -54,8 +56,9 @@ void scrubByKeys(Round& round) {
     constexpr std::array keys{Qt::Key_Left,     Qt::Key_Right, Qt::Key_PageUp,
                               Qt::Key_PageDown, Qt::Key_Home,  Qt::Key_End};
     auto& bar = outlet<CustomSlider>(round, "mCustomSlider");
-    if (bar.isVisible())
+    if (bar.isVisible()) {
         QTest::keyClick(&bar, round.random.oneOf(keys));
+    }
 }
 
 void markStart(Round& /*round*/) {
@@ -92,16 +95,18 @@ void selectRows(Round& round) {
                                                             Qt::ShiftModifier};
     auto& table = outlet<JoinerTable>(round, "tableView");
     const int rows = table.model()->rowCount();
-    if (!table.isVisible() || rows == 0)
+    if (!table.isVisible() || rows == 0) {
         return;
+    }
     const QModelIndex cell = table.model()->index(round.random.below(rows), 0);
     QTest::mouseClick(table.viewport(), Qt::LeftButton, round.random.oneOf(modifiers),
                       table.visualRect(cell).center());
 }
 
 void removeRow(Round& round) {
-    if (round.random.oneIn(2))
+    if (round.random.oneIn(2)) {
         return click("mButtonJoinerRemove");
+    }
     QTest::keyClick(&outlet<JoinerTable>(round, "tableView"), Qt::Key_Delete);
 }
 
@@ -135,25 +140,28 @@ void anyKey(Round& round) {
                                Qt::Key_Space, Qt::Key_I,       Qt::Key_O,      Qt::Key_Left,
                                Qt::Key_Down,  Qt::Key_5};
     constexpr std::array withControl{Qt::Key_Return, Qt::Key_1, Qt::Key_2, Qt::Key_O, Qt::Key_A};
-    if (round.random.oneIn(4))
+    if (round.random.oneIn(4)) {
         pressKey(round.random.oneOf(withControl), Qt::ControlModifier);
-    else
+    } else {
         pressKey(round.random.oneOf(plain));
+    }
 }
 
 /// Clicks a button of any window; a blocked one must not take it.
 void clickAnywhere(Round& round) {
     QList<QAbstractButton*> buttons;
     for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (!qobject_cast<QFileDialog*>(window) && !qobject_cast<QMessageBox*>(window))
+        if (!qobject_cast<QFileDialog*>(window) && !qobject_cast<QMessageBox*>(window)) {
             buttons += window->findChildren<QAbstractButton*>();
+        }
     }
     buttons.removeIf([](const QAbstractButton* button) {
         return !button->isVisible() || !button->window()->windowHandle() ||
                qobject_cast<QFileDialog*>(button->window()) != nullptr;
     });
-    if (!buttons.isEmpty())
+    if (!buttons.isEmpty()) {
         clickOnScreen(*round.random.oneOf(buttons));
+    }
 }
 
 void lookOn(Round& round) {
@@ -162,8 +170,9 @@ void lookOn(Round& round) {
 
 /// A refused start leaves its panel on screen, beside the main window.
 void usePanelLeft(Round& round) {
-    if (onScreen("mTextField1"))
+    if (onScreen("mTextField1")) {
         round.random.oneOf(panelActions()).act(round);
+    }
 }
 
 constexpr std::array kMain{

@@ -21,22 +21,27 @@ namespace {
 Q_LOGGING_CATEGORY(events, "velmora.races", QtWarningMsg)
 
 Actions actionsOfSession(const QString& window) {
-    if (window == "ConverterFrom")
+    if (window == "ConverterFrom") {
         return progressActions();
-    if (window == "SettingFrom")
+    }
+    if (window == "SettingFrom") {
         return editorActions();
+    }
     return window.isEmpty() ? mainActions() : panelActions();
 }
 
 /// What can be done to the window in front.
 Actions actionsInFront() {
-    if (QApplication::activePopupWidget())
+    if (QApplication::activePopupWidget()) {
         return popUpActions();
+    }
     const QWidget* const modal = QApplication::activeModalWidget();
-    if (qobject_cast<const QMessageBox*>(modal))
+    if (qobject_cast<const QMessageBox*>(modal)) {
         return messageActions();
-    if (qobject_cast<const QFileDialog*>(modal))
+    }
+    if (qobject_cast<const QFileDialog*>(modal)) {
         return filePanelActions();
+    }
     const QWidget* const session = modalWindow();
     return actionsOfSession(session ? session->objectName() : QString());
 }
@@ -47,8 +52,9 @@ const Action& oneOf(Actions actions, Random& random) {
                         [](int sum, const Action& action) { return sum + action.weight; }));
     for (const Action& action : actions) {
         place -= action.weight;
-        if (place < 0)
+        if (place < 0) {
             return action;
+        }
     }
     return actions.back();
 }
@@ -67,8 +73,9 @@ void Player::play(int events) {
 void Player::step() {
     const int level = QThread::currentThread()->loopLevel();
     QTimer::singleShot(std::exchange(round_.pauseMs, 0), this, &Player::step);
-    if (level <= busyLevel_)
+    if (level <= busyLevel_) {
         return;
+    }
     depth_ = std::max(depth_, level);
     const int before = std::exchange(busyLevel_, level);
     act();
@@ -76,8 +83,9 @@ void Player::step() {
 }
 
 void Player::act() {
-    if (left_ <= 0)
+    if (left_ <= 0) {
         return quit();
+    }
     --left_;
     perform(oneOf(actionsInFront(), round_.random));
 }
@@ -93,14 +101,15 @@ void Player::perform(const Action& action) {
 void Player::quit() {
     watchdog_.note("quits");
     const bool isFree = !QApplication::activeModalWidget();
-    if (++quits_ >= kMostQuits)
+    if (++quits_ >= kMostQuits) {
         QCoreApplication::exit(1);
-    else if (isFree && round_.random.oneIn(3))
+    } else if (isFree && round_.random.oneIn(3)) {
         quitFromTwoFiles();
-    else if (isFree && round_.random.oneIn(2))
+    } else if (isFree && round_.random.oneIn(2)) {
         round_.controller.mainWin().close();
-    else
+    } else {
         QCoreApplication::quit();
+    }
 }
 
 /// The cutter loads two files until its window is closed.

@@ -83,8 +83,9 @@ protected:
 
 private:
     static void dropState() {
-        for (auto* const list : {&cutterFileList, &joinerFileList, &sharedFileList})
+        for (auto* const list : {&cutterFileList, &joinerFileList, &sharedFileList}) {
             list->reset();
+        }
         currentSetting.reset();
         editorProfileStore.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -116,14 +117,16 @@ TEST_F(RacesTest, windows_usedInAnyOrder_goOnWorkingAndLeaveNothing) {
         playRound(std::min(kEventsOfARound, events - done));
         expectACutWorks();
         const Holdings now = holdings();
-        if (!before_)
+        if (!before_) {
             before_ = now;
+        }
         EXPECT_LE(now.descriptors, before_->descriptors);
         EXPECT_LE(now.threads, before_->threads);
         EXPECT_TRUE(files_.areUntouched());
     }
-    if (HasFailure())
+    if (HasFailure()) {
         watchdog_.tell();
+    }
     std::cout << "event loops within each other: " << depth_ << std::endl;
 }
 

@@ -16,11 +16,13 @@ namespace {
 constexpr auto kMainWindow = "mainWin";
 
 QWidget* visibleIn(QWidget& window, const QString& name) {
-    if (window.objectName() == name && window.isVisible())
+    if (window.objectName() == name && window.isVisible()) {
         return &window;
+    }
     for (QWidget* const widget : window.findChildren<QWidget*>(name)) {
-        if (widget->isVisible() && widget->window()->windowHandle())
+        if (widget->isVisible() && widget->window()->windowHandle()) {
             return widget;
+        }
     }
     return nullptr;
 }
@@ -34,12 +36,14 @@ bool isInFront(const QWidget& widget) {
 
 QWidget* onScreen(const QString& name) {
     if (QWidget* const front = modalWindow()) {
-        if (QWidget* const found = visibleIn(*front, name))
+        if (QWidget* const found = visibleIn(*front, name)) {
             return found;
+        }
     }
     for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (QWidget* const found = visibleIn(*window, name))
+        if (QWidget* const found = visibleIn(*window, name)) {
             return found;
+        }
     }
     return nullptr;
 }
@@ -50,28 +54,32 @@ QWidget* windowInUse() {
 }
 
 void click(const QString& name) {
-    if (QWidget* const widget = onScreen(name))
+    if (QWidget* const widget = onScreen(name)) {
         clickOnScreen(*widget);
+    }
 }
 
 void clickMark(const QString& name) {
     QWidget* const widget = onScreen(name);
-    if (!widget)
+    if (!widget) {
         return;
+    }
     constexpr int inset = 8;
     const QPoint place = widget->mapTo(widget->window(), QPoint(inset, widget->height() / 2));
     QTest::mouseClick(widget->window()->windowHandle(), Qt::LeftButton, {}, place);
 }
 
 void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-    if (const QWidget* const window = windowInUse())
+    if (const QWidget* const window = windowInUse()) {
         QTest::keyClick(window->windowHandle(), key, modifiers);
+    }
 }
 
 void typeInto(const QString& name, const QString& text) {
     auto* const field = qobject_cast<QLineEdit*>(onScreen(name));
-    if (!field || !isInFront(*field))
+    if (!field || !isInFront(*field)) {
         return;
+    }
     field->setFocus();
     field->selectAll();
     QTest::keyClick(field, Qt::Key_Delete);
@@ -80,16 +88,19 @@ void typeInto(const QString& name, const QString& text) {
 
 void moveIn(const QString& box, int steps) {
     QWidget* const widget = onScreen(box);
-    if (!widget || !widget->isEnabled() || !isInFront(*widget))
+    if (!widget || !widget->isEnabled() || !isInFront(*widget)) {
         return;
-    for (int i = 0; i < std::abs(steps); ++i)
+    }
+    for (int i = 0; i < std::abs(steps); ++i) {
         QTest::keyClick(widget, steps < 0 ? Qt::Key_Up : Qt::Key_Down);
+    }
 }
 
 void close(const QString& window) {
     QWidget* const found = onScreen(window);
-    if (found && isInFront(*found))
+    if (found && isInFront(*found)) {
         found->close();
+    }
 }
 
 } // namespace velmora::test

@@ -29,22 +29,25 @@ constexpr const char* kWords = "These are words and no pictures.\n";
 } // namespace
 
 Sources::Sources() {
-    for (const auto& [name, medium] : kCopies)
+    for (const auto& [name, medium] : kCopies) {
         fs::copy_file(mediaPath(medium), folder_ / name);
+    }
     writeFile(folder_ / kText, kWords);
     fs::create_directory(folder_ / "out");
 }
 
 QString Sources::any(Random& random) const {
-    if (random.oneIn(12))
+    if (random.oneIn(12)) {
         return path(random.oneIn(2) ? kText : "never.mp4");
+    }
     return path(random.oneOf(kCopies).first);
 }
 
 void Sources::vanishOrReturn() const {
     const fs::path file = folder_ / kVanishing;
-    if (!fs::remove(file))
+    if (!fs::remove(file)) {
         fs::copy_file(mediaPath("h264-bframes.mp4"), file);
+    }
 }
 
 bool Sources::areUntouched() const {
@@ -53,11 +56,13 @@ bool Sources::areUntouched() const {
         readFile(folder_ / kText) == Bytes(kWords, kWords + std::string_view(kWords).size());
     for (const auto& [name, medium] : kCopies) {
         expected.insert(name);
-        if (name != kVanishing || fs::exists(folder_ / name))
+        if (name != kVanishing || fs::exists(folder_ / name)) {
             same = same && readFile(folder_ / name) == readFile(mediaPath(medium));
+        }
     }
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder_.path()))
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder_.path())) {
         same = same && expected.contains(entry.path().filename());
+    }
     return same;
 }
 

@@ -31,8 +31,9 @@ void Watchdog::note(const char* what) {
 
 void Watchdog::tell() const {
     const std::size_t count = count_;
-    for (std::size_t i = count - std::min(count, notes_.size()); i < count; ++i)
+    for (std::size_t i = count - std::min(count, notes_.size()); i < count; ++i) {
         std::fprintf(stderr, "races: %zu %s\n", i, notes_.at(i % notes_.size()).load());
+    }
 }
 
 void Watchdog::watch() {

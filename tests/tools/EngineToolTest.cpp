@@ -54,7 +54,7 @@ protected:
     std::string errors_;
 };
 
-TEST_F(EngineTool, UnusableArguments_end_with_2_and_show_how_to_use_it) {
+TEST_F(EngineTool, unusableArguments_endWith2AndShowHowToUseIt) {
     const std::vector<std::vector<std::string>> unusable{
         {},
         {"fly"},
@@ -90,7 +90,7 @@ TEST_F(EngineTool, UnusableArguments_end_with_2_and_show_how_to_use_it) {
     }
 }
 
-TEST_F(EngineTool, MoreThan999Inputs_are_unusable) {
+TEST_F(EngineTool, moreThan999Inputs_areUnusable) {
     std::vector<std::string> arguments{"join", output_};
     arguments.insert(arguments.end(), 1000, source_);
 
@@ -99,7 +99,7 @@ TEST_F(EngineTool, MoreThan999Inputs_are_unusable) {
 
 // Probe.
 
-TEST_F(EngineTool, Probe_prints_every_field_by_its_name) {
+TEST_F(EngineTool, probe_printsEveryFieldByItsName) {
     const json result = resultOf({"probe", mediaPath("h264-2997.mp4")}, kSuccess);
 
     EXPECT_EQ(result.at("code"), 0);
@@ -122,7 +122,7 @@ TEST_F(EngineTool, Probe_prints_every_field_by_its_name) {
     EXPECT_EQ(result.at("audioChannels"), 2);
 }
 
-TEST_F(EngineTool, Probe_of_sound_succeeds) {
+TEST_F(EngineTool, probe_ofSoundSucceeds) {
     const json result = resultOf({"probe", mediaPath("audio-only.m4a")}, kSuccess);
 
     EXPECT_EQ(result.at("code"), 0);
@@ -130,14 +130,14 @@ TEST_F(EngineTool, Probe_of_sound_succeeds) {
     EXPECT_EQ(result.at("sourceWidth"), 0);
 }
 
-TEST_F(EngineTool, Probe_failing_prints_its_code) {
+TEST_F(EngineTool, probe_failingPrintsItsCode) {
     EXPECT_EQ(resultOf({"probe", folder_ / "missing.mp4"}, kFailure).at("code"), -1);
     EXPECT_EQ(resultOf({"probe", mediaPath("unknown-codec.avi")}, kFailure).at("code"), -4);
 }
 
 // Snapshot.
 
-TEST_F(EngineTool, Snapshot_writes_the_picture) {
+TEST_F(EngineTool, snapshot_writesThePicture) {
     const std::string picture = folder_ / "pic.bmp";
 
     const json result = resultOf({"snapshot", source_, "1.5", picture}, kSuccess);
@@ -146,7 +146,7 @@ TEST_F(EngineTool, Snapshot_writes_the_picture) {
     EXPECT_EQ(fs::file_size(picture), 230'454U);
 }
 
-TEST_F(EngineTool, RepeatedSnapshot_prints_the_time_of_each) {
+TEST_F(EngineTool, repeatedSnapshot_printsTheTimeOfEach) {
     const std::string picture = folder_ / "pic.bmp";
 
     const json result = resultOf({"snapshot", source_, "0", picture, "--repeat", "3"}, kSuccess);
@@ -156,7 +156,7 @@ TEST_F(EngineTool, RepeatedSnapshot_prints_the_time_of_each) {
     EXPECT_TRUE(result.at("milliseconds").at(0).is_number());
 }
 
-TEST_F(EngineTool, Snapshot_failing_prints_its_code) {
+TEST_F(EngineTool, snapshot_failingPrintsItsCode) {
     const json result =
         resultOf({"snapshot", folder_ / "missing.mp4", "0", folder_ / "pic.bmp"}, kFailure);
 
@@ -166,7 +166,7 @@ TEST_F(EngineTool, Snapshot_failing_prints_its_code) {
 
 // Cut and join.
 
-TEST_F(EngineTool, Cut_prints_how_it_ended) {
+TEST_F(EngineTool, cut_printsHowItEnded) {
     const json result = resultOf({"cut", source_, "1.5", "2.5", output_}, kSuccess);
 
     EXPECT_EQ(result.size(), 3U);
@@ -177,7 +177,7 @@ TEST_F(EngineTool, Cut_prints_how_it_ended) {
     EXPECT_EQ(packetsOf(output_, "v:0").at(0).hash, packetsOf(source_, "v:0").at(30).hash);
 }
 
-TEST_F(EngineTool, Join_prints_the_state_of_each_input) {
+TEST_F(EngineTool, join_printsTheStateOfEachInput) {
     const json result = resultOf({"join", output_, source_, source_, source_}, kSuccess);
 
     EXPECT_EQ(result.at("fileStates"), json({1, 1, 1}));
@@ -186,7 +186,7 @@ TEST_F(EngineTool, Join_prints_the_state_of_each_input) {
     EXPECT_EQ(packetsOf(output_, "v:0").size(), 3 * packetsOf(source_, "v:0").size());
 }
 
-TEST_F(EngineTool, AnyInputNotDone_ends_with_1) {
+TEST_F(EngineTool, anyInputNotDone_endsWith1) {
     const std::string missing = folder_ / "missing.mp4";
     const std::string sound = mediaPath("audio-only.m4a");
 
@@ -198,7 +198,7 @@ TEST_F(EngineTool, AnyInputNotDone_ends_with_1) {
               json({2, 2}));
 }
 
-TEST_F(EngineTool, OutputOfSeveralFiles_fails_with_its_cause_and_touches_nothing) {
+TEST_F(EngineTool, outputOfSeveralFiles_failsWithItsCauseAndTouchesNothing) {
     const std::string source = folder_ / "m0.ts"; // as the play list would name its first part
     fs::copy_file(mediaPath("mpeg2.ts"), source);
     const Bytes before = readFile(source);
@@ -212,7 +212,7 @@ TEST_F(EngineTool, OutputOfSeveralFiles_fails_with_its_cause_and_touches_nothing
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
 }
 
-TEST_F(EngineTool, NamesOfAnyBytes_are_taken_as_they_are) {
+TEST_F(EngineTool, namesOfAnyBytes_areTakenAsTheyAre) {
     const std::string input = folder_ / "in:\xFF %d\n.mp4";
     const std::string output = folder_ / "out:\xFF %d\n.mp4";
     fs::copy_file(source_, input);
@@ -222,7 +222,7 @@ TEST_F(EngineTool, NamesOfAnyBytes_are_taken_as_they_are) {
     EXPECT_TRUE(fs::exists(output));
 }
 
-TEST_F(EngineTool, Progress_is_one_line_for_each_change) {
+TEST_F(EngineTool, progress_isOneLineForEachChange) {
     const json result = resultOf({"join", output_, source_, source_, source_}, kSuccess);
 
     const std::vector<int> percents = progress();
@@ -234,7 +234,7 @@ TEST_F(EngineTool, Progress_is_one_line_for_each_change) {
 }
 
 // So many inputs take far longer than the signal needs.
-TEST_F(EngineTool, Interrupt_stops_the_run_and_leaves_the_rest_pending) {
+TEST_F(EngineTool, interrupt_stopsTheRunAndLeavesTheRestPending) {
     constexpr std::size_t inputs = 900;
     std::vector<std::string> arguments{"join", folder_ / "out.mkv"};
     arguments.insert(arguments.end(), inputs, mediaPath("video-only-mpeg4.avi"));

@@ -33,7 +33,7 @@ protected:
     const std::string neighbour_ = folder_ / "neighbour.mkv";
 };
 
-TEST_P(KilledRun, AtAnyMoment_sourceAndNeighbourAreKeptAndTheNextRunWorks) {
+TEST_P(KilledRun, atAnyMoment_sourceAndNeighbourAreKeptAndTheNextRunWorks) {
     fs::copy_file(source_, neighbour_);
     const Bytes content = readFile(source_);
     constexpr unsigned seed = 20'261'121;

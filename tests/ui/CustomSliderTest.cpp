@@ -46,12 +46,13 @@ protected:
         const QPointF inWindow(50 + x, 40 + y);
         const QMouseEvent event(type, QPointF(x, y), inWindow, inWindow, Qt::LeftButton,
                                 Qt::LeftButton, {});
-        if (type == QEvent::MouseButtonPress)
+        if (type == QEvent::MouseButtonPress) {
             bar_.mouseDown(event);
-        else if (type == QEvent::MouseMove)
+        } else if (type == QEvent::MouseMove) {
             bar_.mouseDragged(event);
-        else
+        } else {
             bar_.mouseUp(event);
+        }
     }
     void press(double x, double y = 13) { mouse(QEvent::MouseButtonPress, x, y); }
     void drag(double x, double y = 13) { mouse(QEvent::MouseMove, x, y); }
@@ -59,8 +60,9 @@ protected:
 
     static std::vector<double> postedValues() {
         std::vector<double> values;
-        for (const Notification& notification : posted())
+        for (const Notification& notification : posted()) {
             values.push_back(notification.userInfo["customCrubbingBarValue"].toDouble());
+        }
         return values;
     }
 
@@ -212,8 +214,9 @@ TEST_F(CustomSliderTest, keys_moveAsADragDoes) {
     bar_.setDoubleValue(50);
     const QSignalSpy actions(&bar_, &CustomSlider::sliderDragged);
     for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Up, Qt::Key_Left, Qt::Key_Down, Qt::Key_PageUp,
-                              Qt::Key_PageDown, Qt::Key_Home, Qt::Key_Left, Qt::Key_End})
+                              Qt::Key_PageDown, Qt::Key_Home, Qt::Key_Left, Qt::Key_End}) {
         QTest::keyClick(&bar_, key);
+    }
     EXPECT_EQ(postedValues(), std::vector<double>({51, 52, 51, 50, 60, 50, 0, 0, 100}));
     EXPECT_EQ(actions.size(), 9);
 }

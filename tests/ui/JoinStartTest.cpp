@@ -163,8 +163,9 @@ TEST_F(JoinStartTest, direct_filesOfOneKind_areJoinedAsTheyAre) {
 
 TEST_F(JoinStartTest, direct_threeAviFiles_areJoinedUnderTheDefaultName) {
     joinerFileList->clear();
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         addFile("mpeg4.avi");
+    }
     auto& panel = makePanel();
     panel.setJoinerOutputFilename("join-all");
     answerCanJoin();

@@ -10,7 +10,7 @@ namespace {
 /// The way from a panel through the profile editor and back.
 template <class Panel> class PanelCustomizeTest : public PanelTest<Panel> {
 protected:
-    static constexpr bool isCutter = std::is_same_v<Panel, cutterWinController>;
+    static constexpr bool kIsCutter = std::is_same_v<Panel, cutterWinController>;
 
     void SetUp() override {
         this->showPanel();
@@ -91,10 +91,10 @@ TYPED_TEST(PanelCustomizeTest, confirmed_choicesComeBackAndReachTheStart) {
 
 TYPED_TEST(PanelCustomizeTest, confirmedUnchanged_leavesThePanelAsItWas) {
     this->customize([](QWidget& editor) { TestFixture::pressIn(editor, "btOK"); });
-    EXPECT_EQ(this->box("mFrameRate").currentText(), this->isCutter ? kSourceFrameRate : "25");
+    EXPECT_EQ(this->box("mFrameRate").currentText(), this->kIsCutter ? kSourceFrameRate : "25");
     EXPECT_EQ(this->box("mVideoSize").currentText(), "160x120");
     EXPECT_EQ(this->panel_->mAudioChannels, "2");
-    EXPECT_EQ(currentSetting->vFrameRate, this->isCutter ? "0" : "25");
+    EXPECT_EQ(currentSetting->vFrameRate, this->kIsCutter ? "0" : "25");
 }
 
 TYPED_TEST(PanelCustomizeTest, confirmedThenOpenedAgain_showsWhatWasConfirmed) {
@@ -115,12 +115,13 @@ TYPED_TEST(PanelCustomizeTest, cancelled_changesNeitherPanelNorSetting) {
     for (const char* const way : {"btCancel", "close", "escape"}) {
         this->customize([way](QWidget& editor) {
             TestFixture::editorBox(editor, "comVResolution").setCurrentText("320x240");
-            if (way == std::string("btCancel"))
+            if (way == std::string("btCancel")) {
                 TestFixture::pressIn(editor, "btCancel");
-            else if (way == std::string("close"))
+            } else if (way == std::string("close")) {
                 editor.close();
-            else
+            } else {
                 QTest::keyClick(&editor, Qt::Key_Escape);
+            }
         });
         EXPECT_EQ(this->box("mVideoSize").currentText(), "160x120") << way;
         EXPECT_EQ(currentSetting->profileName, "before");

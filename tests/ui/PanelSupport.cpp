@@ -13,8 +13,9 @@ std::string entry(const std::string& key, const std::string& value) {
 
 std::string asDictionary(const TestParameter& parameter) {
     std::string choices;
-    for (const std::string& choice : parameter.choices)
+    for (const std::string& choice : parameter.choices) {
         choices += element("string", choice);
+    }
     return element("dict", entry("name", element("string", parameter.name)) +
                                entry("arrayValue", element("array", choices)) +
                                entry("index", element("integer", std::to_string(parameter.index))));
@@ -22,8 +23,9 @@ std::string asDictionary(const TestParameter& parameter) {
 
 std::string asDictionary(const TestProfile& profile, std::size_t id) {
     std::string parameters;
-    for (const TestParameter& parameter : profile.parameters)
+    for (const TestParameter& parameter : profile.parameters) {
         parameters += asDictionary(parameter);
+    }
     return element("dict", entry("index", element("integer", std::to_string(id))) +
                                entry("name", element("string", profile.name)) +
                                entry("setInfo", element("array", parameters)));
@@ -33,8 +35,9 @@ std::string asDictionary(const TestProfile& profile, std::size_t id) {
 
 void writeProfiles(const std::string& path, const std::vector<TestProfile>& profiles) {
     std::string all;
-    for (std::size_t i = 0; i < profiles.size(); ++i)
+    for (std::size_t i = 0; i < profiles.size(); ++i) {
         all += asDictionary(profiles[i], i + 1);
+    }
     writeFile(path, R"(<?xml version="1.0" encoding="UTF-8"?>)" +
                         std::string(R"(<plist version="1.0">)") + element("array", all) +
                         "</plist>");

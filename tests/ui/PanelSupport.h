@@ -71,16 +71,16 @@ private:
 /// The names that differ between the two panels.
 template <class Panel> struct PanelNames;
 template <> struct PanelNames<cutterWinController> {
-    static constexpr auto window = "mCutterSettingWin";
-    static constexpr auto start = "mButStartCut";
-    static constexpr auto title = "Cutter Setting";
-    static constexpr auto startLabel = "Start cut";
+    static constexpr auto kWindow = "mCutterSettingWin";
+    static constexpr auto kStart = "mButStartCut";
+    static constexpr auto kTitle = "Cutter Setting";
+    static constexpr auto kStartLabel = "Start cut";
 };
 template <> struct PanelNames<joinerWinController> {
-    static constexpr auto window = "mJoinerSettingWin";
-    static constexpr auto start = "mButStartJoin";
-    static constexpr auto title = "Joiner Setting";
-    static constexpr auto startLabel = "Start join";
+    static constexpr auto kWindow = "mJoinerSettingWin";
+    static constexpr auto kStart = "mButStartJoin";
+    static constexpr auto kTitle = "Joiner Setting";
+    static constexpr auto kStartLabel = "Start join";
 };
 
 /// A test with a panel that is on screen, a shared state and a folder of its own.
@@ -96,8 +96,9 @@ protected:
     ~PanelTest() override {
         panel_.reset();
         currentSetting.reset();
-        for (auto* const list : {&cutterFileList, &joinerFileList, &sharedFileList})
+        for (auto* const list : {&cutterFileList, &joinerFileList, &sharedFileList}) {
             list->reset();
+        }
         editorProfileStore.reset();
     }
 
@@ -133,22 +134,24 @@ protected:
 
     template <class Widget> Widget& outlet(const char* name) const {
         auto* const widget = panel_->window().template findChild<Widget*>(name);
-        if (!widget)
+        if (!widget) {
             throw std::runtime_error(std::string("no widget ") + name);
+        }
         return *widget;
     }
     QComboBox& box(const char* name) const { return outlet<QComboBox>(name); }
     QLineEdit& field(const char* name) const { return outlet<QLineEdit>(name); }
     QStringList choices(const char* name) const {
         QStringList all;
-        for (int i = 0; i < box(name).count(); ++i)
+        for (int i = 0; i < box(name).count(); ++i) {
             all.append(box(name).itemText(i));
+        }
         return all;
     }
     void press(const char* name) const {
         QTest::mouseClick(&outlet<QAbstractButton>(name), Qt::LeftButton);
     }
-    void pressStart() const { press(PanelNames<Panel>::start); }
+    void pressStart() const { press(PanelNames<Panel>::kStart); }
     void selectRow(int row) const {
         auto& button = outlet<QAbstractButton>(row == 0 ? "mRadioDirect" : "mRadioReencode");
         QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(8, button.height() / 2));
@@ -156,10 +159,12 @@ protected:
     /// Chooses from a box with the keyboard.
     void choose(const char* name, int position) const {
         QComboBox& chosen = box(name);
-        for (int i = 0; i < chosen.count(); ++i)
+        for (int i = 0; i < chosen.count(); ++i) {
             QTest::keyClick(&chosen, Qt::Key_Up);
-        for (int i = 0; i < position; ++i)
+        }
+        for (int i = 0; i < position; ++i) {
             QTest::keyClick(&chosen, Qt::Key_Down);
+        }
         ASSERT_EQ(chosen.currentIndex(), position);
     }
     /// Types over what stands in a box, and goes on to the next widget.
@@ -184,10 +189,11 @@ protected:
         pressStart();
         ASSERT_EQ(alerts.messages, QStringList(message));
         EXPECT_EQ(alerts.buttons, QStringList("OK"));
-        if (title.isEmpty())
+        if (title.isEmpty()) {
             EXPECT_NE(alerts.titles.value(0), "Error");
-        else
+        } else {
             EXPECT_EQ(alerts.titles, QStringList(title));
+        }
     }
 
     TemporaryFolder folder_;

@@ -31,8 +31,9 @@ protected:
     static std::unique_ptr<QMimeData> filesNamed(const QStringList& names) {
         auto drag = std::make_unique<QMimeData>();
         QList<QUrl> urls;
-        for (const QString& name : names)
+        for (const QString& name : names) {
             urls.append(QUrl::fromLocalFile(name));
+        }
         drag->setUrls(urls);
         return drag;
     }
@@ -104,8 +105,9 @@ TEST_F(customImageViewTest, click_rightButtonOrNoCallback_doesNothing) {
 
 TEST_F(customImageViewTest, keys_onThePlaceholder_actAsAClick) {
     EXPECT_EQ(view_.focusPolicy(), Qt::StrongFocus);
-    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_A})
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_A}) {
         QTest::keyClick(&view_, key);
+    }
     EXPECT_EQ(calls_, std::vector<Call>(3));
 }
 

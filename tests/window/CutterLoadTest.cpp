@@ -1,7 +1,8 @@
+#include "CutterLoadSupport.h"
+
 #include "AlertPanel.h"
 #include "ConversionEngine.h"
 #include "CustomSlider.h"
-#include "MainWindowSupport.h"
 #include "SharedState.h"
 #include "customImageView.h"
 
@@ -18,55 +19,6 @@
 
 namespace velmora::test {
 namespace {
-
-const QString invalid = "File is invalid!";
-
-/// Loading videos into the cutter. "video-only.mp4" has 320x180, 30 pictures per second, 4 s.
-class CutterLoadTest : public MainWindowTest {
-protected:
-    const QString video_ = media("video-only.mp4");
-
-    QString textFile() {
-        writeFile(folder_.path() / "a.mp4", "no video");
-        return QString::fromStdString(folder_ / "a.mp4");
-    }
-
-    void expectLoaded(const QString& path) {
-        EXPECT_EQ(controller_.filename(), path);
-        EXPECT_FLOAT_EQ(controller_.duration(), 4.0F);
-        EXPECT_TRUE(controller_.addFileInitialized());
-        EXPECT_EQ(text("mLabelStart"), "00:00:00.000");
-        EXPECT_EQ(text("mLabelEnd"), "00:00:04.000");
-        EXPECT_EQ(text("mLabelDuration"), "00:00:04.000");
-        EXPECT_EQ(text("mLabelDrag"), "00:00:00.000/00:00:04.000");
-        EXPECT_EQ(controller_.getTextFieldValueMs(1), 0);
-        EXPECT_EQ(controller_.getTextFieldValueMs(2), 4000);
-        EXPECT_EQ(currentSetting->cutStartTime, 0.0F);
-        EXPECT_EQ(currentSetting->cutEndTime, 4000.0F);
-        ASSERT_EQ(cutterFileList->size(), 1U);
-        const NodeInfo& item = *cutterFileList->front();
-        EXPECT_EQ(item.inputFile, path);
-        EXPECT_EQ(item.inFromat, "");
-        EXPECT_EQ(item.outFromat, "mp4");
-        EXPECT_EQ(item.width, 320);
-        EXPECT_EQ(item.height, 180);
-        EXPECT_EQ(item.resolution, "320x180");
-        EXPECT_EQ(item.frame_rate, 30.0F);
-        EXPECT_EQ(item.duration, 4.0F);
-        EXPECT_EQ(item.startTime, 0.0F);
-        EXPECT_EQ(item.endTime, 4.0F);
-        EXPECT_EQ(item.converteState, 0);
-        EXPECT_EQ(item.isSeleted, 1);
-        EXPECT_EQ(currentSetting->width, 320);
-    }
-
-    QImage shown() {
-        QImage picture(320, 240, QImage::Format_RGB32);
-        QPainter painter(&picture);
-        preview().image().draw(painter, picture.rect());
-        return picture;
-    }
-};
 
 TEST_F(CutterLoadTest, openPanel_choosesFilesOfAnyKindAsASheet) {
     press("mButtonCutterAdd");
@@ -99,8 +51,9 @@ TEST_F(CutterLoadTest, drop_logsInOrder) {
                                "duration:4.000000 s(4000000)", "add file:1"};
     QStringList logged;
     for (const QString& line : log_.all()) {
-        if (expected.contains(line))
+        if (expected.contains(line)) {
             logged.append(line);
+        }
     }
     EXPECT_EQ(logged, expected) << log_.all().join('\n').toStdString();
 }
@@ -199,62 +152,6 @@ TEST_F(CutterLoadTest, load_again_showsTheFirstPictureAgain) {
     EXPECT_EQ(shown(), first);
 }
 
-TEST_F(CutterLoadTest, invalidFile_dropped_alertsAndLeavesTheWindowReset) {
-    dropOnPreview(video_);
-    joinerFileList->push_back(std::make_shared<NodeInfo>());
-    const QString file = textFile();
-    EXPECT_EQ(alertsOf([&] { dropOnPreview(file); }), std::vector{plainAlert(invalid)});
-    EXPECT_TRUE(cutterFileList->empty());
-    EXPECT_TRUE(joinerFileList->empty());
-    EXPECT_TRUE(bar().customSliderEnable());
-    EXPECT_TRUE(controller_.addFileInitialized());
-    EXPECT_EQ(controller_.filename(), file);
-    // The engine keeps the length of the video before.
-    EXPECT_FLOAT_EQ(controller_.duration(), 4.0F);
-    EXPECT_EQ(text("mLabelEnd"), "00:00:04.000"); // from before the test of the file
-    EXPECT_EQ(bar().anchorLeft(), -1);
-    const InNextPanel panel([](QWidget&) {});
-    press("mButtonCutterSetting");
-    EXPECT_TRUE(panel.hasOpened());
-}
-
-TEST_F(CutterLoadTest, invalidFile_chosen_alertsAndKeepsTheAnchors) {
-    dropOnPreview(video_);
-    markStart(20);
-    press("mButtonCutterAdd");
-    EXPECT_EQ(alertsOf([&] { choose({textFile()}); }), std::vector{plainAlert(invalid)});
-    EXPECT_TRUE(cutterFileList->empty());
-    EXPECT_EQ(bar().anchorLeft(), 20);
-    EXPECT_EQ(text("mLabelEnd"), "00:00:04.000");
-}
-
-TEST_F(CutterLoadTest, invalidFile_chosen_alertsOverTheMiddleOfTheWindow) {
-    controller_.mainWin().resize(640, 480);
-    controller_.mainWin().move(150, 250);
-    press("mButtonCutterAdd");
-    controller_.mainWin().findChild<QFileDialog*>("openPanel")->move(0, 0);
-    const auto alerts = alertsOf([&] { choose({textFile()}); });
-    ASSERT_EQ(alerts.size(), 1U);
-    const QPoint aside = alerts[0].middle - controller_.mainWin().geometry().center();
-    EXPECT_LE(aside.manhattanLength(), 16);
-}
-
-TEST_F(CutterLoadTest, missingFile_alerts) {
-    EXPECT_EQ(alertsOf([&] { dropOnPreview("/nowhere/a.mp4"); }), std::vector{plainAlert(invalid)});
-}
-
-TEST_F(CutterLoadTest, folder_alerts) {
-    const QString folder = QString::fromStdString(folder_.path().string());
-    EXPECT_EQ(alertsOf([&] { dropOnPreview(folder); }), std::vector{plainAlert(invalid)});
-}
-
-TEST_F(CutterLoadTest, fileOfUnknownLength_alerts) {
-    EXPECT_EQ(alertsOf([&] { dropOnPreview(media("raw.h264")); }),
-              std::vector{plainAlert(invalid)});
-    EXPECT_LT(ConversionEngine::instance().durationSeconds, 0);
-    EXPECT_TRUE(cutterFileList->empty());
-}
-
 TEST_F(CutterLoadTest, soundWithoutPictures_loads) {
     dropOnPreview(media("audio-only.wav"));
     ASSERT_EQ(cutterFileList->size(), 1U);
@@ -267,74 +164,16 @@ TEST_F(CutterLoadTest, frameRate_isTheQuotient) {
     EXPECT_FLOAT_EQ(cutterFileList->front()->frame_rate, static_cast<float>(30000.0 / 1001));
 }
 
-TEST_F(CutterLoadTest, twoFilesChosen_loadTheSecondUntilTheWindowIsClosed) {
-    const QString second = media("h264.mp4");
-    int shownPasses = 0;
-    QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, [&] {
-        // Other input is not taken: this click would open a panel.
-        QTest::mouseClick(controller_.mainWin().windowHandle(), Qt::LeftButton, {},
-                          outlet("mButtonCutterAdd").mapTo(&controller_.mainWin(), QPoint(9, 9)));
-        EXPECT_FALSE(isPanelOpen());
-        if (++shownPasses == 3)
-            controller_.mainWin().close();
-    });
-    QTimer::singleShot(0, &controller_, [&] {
-        watch.start(0);
-        controller_.openFilePanelDidEnd({video_, second}, 1);
-        EXPECT_TRUE(controller_.isTerminating());
-    });
-    EXPECT_EQ(QApplication::exec(), 0);
-    EXPECT_EQ(log_.count("get path:" + video_), 1);
-    EXPECT_GE(log_.count("get path:" + second), 2);
-}
-
-// A run that goes on behind a closed window ends at any time.
-TEST_F(CutterLoadTest, twoFilesChosen_alertMeanwhile_canBeAnswered) {
-    bool isAnswered = false;
-    const auto answer = [&isAnswered] {
-        clickOnScreen(*alertPanel()->defaultButton());
-        isAnswered = !alertPanel();
-        if (!isAnswered)
-            alertPanel()->close();
-    };
-    const auto tell = [&] {
-        fromTheEventLoop(answer);
-        runAlertPanel({}, "File failed!", "OK", "");
-        controller_.mainWin().close();
-    };
-    fromTheEventLoop([&] {
-        fromTheEventLoop(tell);
-        controller_.openFilePanelDidEnd({video_, media("h264.mp4")}, 1);
-    });
-    QApplication::exec();
-    EXPECT_TRUE(isAnswered);
-}
-
-TEST_F(CutterLoadTest, twoFilesChosen_firstInvalid_stopsThere) {
-    EXPECT_EQ(alertsOf([&] {
-                  controller_.openFilePanelDidEnd({textFile(), video_}, 1);
-              }),
-              std::vector{plainAlert(invalid)});
-    EXPECT_EQ(log_.count("get path:" + video_), 0);
-}
-
-TEST_F(CutterLoadTest, twoFilesChosen_secondInvalid_alertsOnceAndStops) {
-    EXPECT_EQ(alertsOf([&] {
-                  controller_.openFilePanelDidEnd({video_, textFile()}, 1);
-              }),
-              std::vector{plainAlert(invalid)});
-    EXPECT_EQ(log_.count("get path:" + video_), 1);
-}
-
 TEST_F(CutterLoadTest, scrubbing_afterManyLoads_staysQuick) {
-    for (int load = 0; load < 40; ++load)
+    for (int load = 0; load < 40; ++load) {
         controller_.firstLoadVideo(video_);
+    }
     bar().moveByUser(40);
     QElapsedTimer timer;
     timer.start();
-    for (int percent = 41; percent < 51; ++percent)
+    for (int percent = 41; percent < 51; ++percent) {
         bar().moveByUser(percent);
+    }
     EXPECT_LT(timer.elapsed() / 10, 100);
 }
 

@@ -207,8 +207,9 @@ TEST_F(CutterMarksTest, viewValueReset_zeroesFieldsAndBar) {
     markStart(25);
     controller_.viewValueReset();
     EXPECT_EQ(bar().doubleValue(), 0);
-    for (const char* const field : {"mLabelStart", "mLabelEnd", "mLabelDuration"})
+    for (const char* const field : {"mLabelStart", "mLabelEnd", "mLabelDuration"}) {
         EXPECT_EQ(text(field), "00:00:00.000") << field;
+    }
     EXPECT_EQ(text("mLabelDrag"), "00:00:00.000/00:00:00.000");
 }
 

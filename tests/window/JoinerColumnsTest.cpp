@@ -21,10 +21,12 @@ protected:
         const QAbstractItemModel& model = *table().model();
         QStringList texts;
         for (int column = 0; column < model.columnCount(); ++column) {
-            if (model.headerData(column, Qt::Horizontal).toString() != title)
+            if (model.headerData(column, Qt::Horizontal).toString() != title) {
                 continue;
-            for (int row = 0; row < model.rowCount(); ++row)
+            }
+            for (int row = 0; row < model.rowCount(); ++row) {
                 texts.append(model.index(row, column).data().toString());
+            }
         }
         return texts;
     }

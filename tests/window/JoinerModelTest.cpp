@@ -39,8 +39,9 @@ TEST_F(JoinerModelTest, cells_haveNoCellsOfTheirOwn) {
 
 TEST_F(JoinerModelTest, tooltip_isThePathOverTheFileOnly) {
     EXPECT_EQ(cell(kFile, Qt::ToolTipRole).toString(), video_);
-    for (int column = kFile + 1; column < kColumns; ++column)
+    for (int column = kFile + 1; column < kColumns; ++column) {
         EXPECT_FALSE(cell(column, Qt::ToolTipRole).isValid()) << column;
+    }
 }
 
 TEST_F(JoinerModelTest, numbers_standAtTheRightWithTheirTitles) {

@@ -61,8 +61,9 @@ protected:
     }
     void addTwoRows() {
         show("Video Joiner");
-        for (int row = 0; row < 2; ++row)
+        for (int row = 0; row < 2; ++row) {
             dropFiles(*table().viewport(), {media("video-only.mp4")});
+        }
     }
     static void expectPanelWalks(QWidget& panel, const QString& start) {
         const QStringList direct{"mRadioDirect", "mTextField1", "mButBrowse", "mTextField2", start};
@@ -167,8 +168,9 @@ TEST_F(KeyboardTest, menus_everyEntry_hasALetterOfItsOwn) {
         titles.append(QKeySequence::mnemonic(title->text()).toString());
         QStringList letters;
         for (const QAction* const action : menu->actions()) {
-            if (action->isSeparator() || !action->isVisible())
+            if (action->isSeparator() || !action->isVisible()) {
                 continue;
+            }
             letters.append(QKeySequence::mnemonic(action->text()).toString());
             EXPECT_NE(letters.back(), "") << action->objectName().toStdString();
         }
@@ -185,8 +187,9 @@ TEST_F(KeyboardTest, shortcuts_areUsedOnceInEachWorkspace) {
         QStringList keys;
         for (const QAction* const action : controller_.mainWin().findChildren<QAction*>()) {
             for (const QKeySequence& shortcut : action->shortcuts()) {
-                if (action->isEnabled() && !action->objectName().isEmpty())
+                if (action->isEnabled() && !action->objectName().isEmpty()) {
                     keys.append(shortcut.toString());
+                }
             }
         }
         EXPECT_GE(keys.size(), 6);

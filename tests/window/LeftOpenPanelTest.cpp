@@ -131,8 +131,9 @@ TEST_F(LeftOpenPanelTest, cutter_closedWithItsEditor_leavesTheSettingOfTheNewVid
         controller_.mouseDownListener(media("two-h264.mp4"));
         EXPECT_EQ(modalWindow(), nullptr);
         EXPECT_FALSE(panel("SettingFrom").isVisible());
-        if (modalWindow())
+        if (modalWindow()) {
             modalWindow()->close(); // else the test would wait for ever
+        }
     });
     cutterPanel().findChild<QPushButton*>("mButCustomize")->click();
     EXPECT_TRUE(seen);

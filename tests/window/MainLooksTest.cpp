@@ -22,8 +22,9 @@ protected:
     static bool hasColour(const QImage& picture, QRgb colour) {
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {
-                if (picture.pixel(x, y) == colour)
+                if (picture.pixel(x, y) == colour) {
                     return true;
+                }
             }
         }
         return false;
@@ -52,8 +53,9 @@ TEST_F(MainLooksTest, times_haveDigitsOfOneWidth) {
         const QLineEdit& field = outlet<QLineEdit>(name);
         EXPECT_TRUE(QFontInfo(field.font()).fixedPitch()) << name;
         const QFontMetrics metrics(field.font());
-        for (const QChar digit : QString("123456789"))
+        for (const QChar digit : QString("123456789")) {
             EXPECT_EQ(metrics.horizontalAdvance(digit), metrics.horizontalAdvance('0')) << name;
+        }
         EXPECT_EQ(field.font().pointSizeF(), controller_.mainWin().font().pointSizeF()) << name;
     }
 }

@@ -88,8 +88,9 @@ TEST_F(MainMenuTest, keys_inATimeField_type) {
     auto& field = outlet<QLineEdit>("mLabelStart");
     field.setFocus();
     field.clear();
-    for (const Qt::Key typed : {Qt::Key_I, Qt::Key_O, Qt::Key_BracketLeft, Qt::Key_Space})
+    for (const Qt::Key typed : {Qt::Key_I, Qt::Key_O, Qt::Key_BracketLeft, Qt::Key_Space}) {
         QTest::keyClick(controller_.mainWin().windowHandle(), typed);
+    }
     EXPECT_EQ(field.text().size(), 4);
     EXPECT_EQ(controller_.getTextFieldValueMs(1), 0);
     EXPECT_TRUE(opened_.urls().isEmpty());

@@ -39,11 +39,13 @@ std::vector<SeenAlert> alertsOf(const std::function<void()>& action) {
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&seen] {
         QMessageBox* const box = alertPanel();
-        if (!box)
+        if (!box) {
             return;
+        }
         QStringList buttons;
-        for (const QAbstractButton* const button : box->buttons())
+        for (const QAbstractButton* const button : box->buttons()) {
             buttons.append(button->text());
+        }
         seen.push_back({box->windowTitle(), box->text(), buttons, box->geometry().center()});
         answerAlert("OK");
     });
@@ -59,8 +61,9 @@ InNextPanel::InNextPanel(std::function<void(QWidget&)> action) : action_(std::mo
 
 void InNextPanel::look() {
     QWidget* const panel = modalWindow();
-    if (!panel)
+    if (!panel) {
         return;
+    }
     watch_.stop();
     opened_ = true;
     action_(*panel);
@@ -79,8 +82,9 @@ void MainWindowTest::press(const char* button) {
 
 void MainWindowTest::show(const char* workspace) {
     for (QPushButton* const segment : outlet("mButtonSeg").findChildren<QPushButton*>()) {
-        if (segment->text() == workspace)
+        if (segment->text() == workspace) {
             clickOnScreen(*segment);
+        }
     }
 }
 
@@ -90,8 +94,9 @@ void MainWindowTest::dropOnPreview(const QString& path) {
 
 bool MainWindowTest::isPanelOpen() {
     for (const QFileDialog* const panel : controller_.mainWin().findChildren<QFileDialog*>()) {
-        if (panel->isVisible())
+        if (panel->isVisible()) {
             return true;
+        }
     }
     return false;
 }

@@ -59,8 +59,9 @@ protected:
 
     template <class Outlet = QWidget> Outlet& outlet(const char* name) {
         auto* const found = controller_.mainWin().findChild<Outlet*>(name);
-        if (!found)
+        if (!found) {
             throw std::runtime_error(std::string("no outlet ") + name);
+        }
         return *found;
     }
     CustomSlider& bar() { return outlet<CustomSlider>("mCustomSlider"); }

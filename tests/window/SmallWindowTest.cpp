@@ -25,8 +25,9 @@ protected:
             const bool shown = qobject_cast<QPushButton*>(widget) ||
                                qobject_cast<QLineEdit*>(widget) || qobject_cast<QLabel*>(widget) ||
                                widget == &bar();
-            if (shown && widget->isVisible() && widget->parentWidget() != &table())
+            if (shown && widget->isVisible() && widget->parentWidget() != &table()) {
                 found.append(widget);
+            }
         }
         return found;
     }
@@ -38,14 +39,17 @@ protected:
         std::string all;
         const QList<QWidget*> shown = controls();
         for (QWidget* const a : shown) {
-            if (!controller_.mainWin().rect().contains(place(*a)))
+            if (!controller_.mainWin().rect().contains(place(*a))) {
                 all += a->objectName().toStdString() + " is cut off; ";
-            if (a->width() < a->minimumSizeHint().width())
+            }
+            if (a->width() < a->minimumSizeHint().width()) {
                 all += a->objectName().toStdString() + " is too narrow; ";
+            }
             for (QWidget* const b : shown) {
-                if (a < b && place(*a).intersects(place(*b)))
+                if (a < b && place(*a).intersects(place(*b))) {
                     all += a->objectName().toStdString() + " over " +
                            b->objectName().toStdString() + "; ";
+                }
             }
         }
         return all;

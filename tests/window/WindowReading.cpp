@@ -39,14 +39,18 @@ bool isPartOfAnother(const QWidget& widget) {
 }
 
 bool isControl(const QWidget& widget) {
-    if (const auto* const field = qobject_cast<const QLineEdit*>(&widget))
+    if (const auto* const field = qobject_cast<const QLineEdit*>(&widget)) {
         return !field->isReadOnly();
-    if (const auto* const label = qobject_cast<const QLabel*>(&widget))
+    }
+    if (const auto* const label = qobject_cast<const QLabel*>(&widget)) {
         return label->textInteractionFlags().testFlag(Qt::LinksAccessibleByKeyboard);
-    if (const auto* const view = qobject_cast<const customImageView*>(&widget))
+    }
+    if (const auto* const view = qobject_cast<const customImageView*>(&widget)) {
         return view->focusPolicy() != Qt::NoFocus; // pressed only while it is empty
-    if (const auto* const bar = qobject_cast<const CustomSlider*>(&widget))
+    }
+    if (const auto* const bar = qobject_cast<const CustomSlider*>(&widget)) {
         return bar->customSliderEnable();
+    }
     return widget.inherits("QAbstractButton") || widget.inherits("QComboBox") ||
            widget.inherits("QTableView");
 }
@@ -84,15 +88,17 @@ double contrast(QRgb a, QRgb b) {
 double contrastOf(const QImage& picture) {
     QHash<QRgb, int> counts;
     for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
+        for (int x = 0; x < picture.width(); ++x) {
             ++counts[picture.pixel(x, y)];
+        }
     }
     const auto most =
         std::max_element(counts.keyValueBegin(), counts.keyValueEnd(),
                          [](const auto& a, const auto& b) { return a.second < b.second; });
     double best = 1;
-    for (auto it = counts.keyBegin(); it != counts.keyEnd(); ++it)
+    for (auto it = counts.keyBegin(); it != counts.keyEnd(); ++it) {
         best = std::max(best, contrast(*it, most->first));
+    }
     return best;
 }
 
@@ -101,28 +107,34 @@ QRect placeOfText(const QWidget& widget) {
     constexpr int frame = 4;
     constexpr int mark = 24;
     QRect place = widget.rect();
-    if (qobject_cast<const QLabel*>(&widget))
+    if (qobject_cast<const QLabel*>(&widget)) {
         return place;
+    }
     place.adjust(frame, frame, -frame, -frame);
     const auto* const button = qobject_cast<const QAbstractButton*>(&widget);
-    if (widget.inherits("QRadioButton"))
+    if (widget.inherits("QRadioButton")) {
         place.setLeft(mark);
-    else if (button && !button->icon().isNull())
+    } else if (button && !button->icon().isNull()) {
         place.setLeft(place.center().x());
-    else if (widget.inherits("QComboBox"))
+    } else if (widget.inherits("QComboBox")) {
         place.setRight(place.right() - mark);
+    }
     return place;
 }
 
 QString textOf(const QWidget& widget) {
-    if (const auto* const label = qobject_cast<const QLabel*>(&widget))
+    if (const auto* const label = qobject_cast<const QLabel*>(&widget)) {
         return label->text().trimmed();
-    if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget))
+    }
+    if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget)) {
         return button->text();
-    if (const auto* const field = qobject_cast<const QLineEdit*>(&widget))
+    }
+    if (const auto* const field = qobject_cast<const QLineEdit*>(&widget)) {
         return field->text();
-    if (const auto* const box = qobject_cast<const QComboBox*>(&widget))
+    }
+    if (const auto* const box = qobject_cast<const QComboBox*>(&widget)) {
         return box->currentText();
+    }
     return widget.inherits("QHeaderView") ? QString("titles") : QString();
 }
 
@@ -140,8 +152,9 @@ QRect inPicture(const QWidget& widget, const QWidget& window) {
 }
 
 QString labelOf(const QWidget& widget) {
-    if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget))
+    if (const auto* const button = qobject_cast<const QAbstractButton*>(&widget)) {
         return button->text();
+    }
     const auto* const label = qobject_cast<const QLabel*>(&widget);
     return label && label->buddy() ? label->text() : QString();
 }
@@ -157,10 +170,12 @@ QStringList walkBy(QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifiers
     while (walk.size() < most) {
         QTest::keyClick(window.windowHandle(), key, modifiers);
         QWidget* const now = window.focusWidget();
-        if (!now || now == first)
+        if (!now || now == first) {
             break;
-        if (!first)
+        }
+        if (!first) {
             first = now;
+        }
         walk.append(now->objectName());
         EXPECT_NE(accessibleName(*now), "") << now->objectName().toStdString();
     }
@@ -171,21 +186,24 @@ QStringList notReachedBy(QWidget& window, const QStringList& walk) {
     QStringList missed;
     for (const QWidget* const widget : onShow(window)) {
         if (isControl(*widget) && widget->isEnabledTo(&window) && !isReachedByArrows(*widget) &&
-            !walk.contains(widget->objectName()))
+            !walk.contains(widget->objectName())) {
             missed.append(widget->objectName());
+        }
     }
     return missed;
 }
 
 QStringList mnemonicsUsedTwice(QWidget& window) {
     QMap<QString, int> uses;
-    for (const QWidget* const widget : onShow(window))
+    for (const QWidget* const widget : onShow(window)) {
         ++uses[QKeySequence::mnemonic(labelOf(*widget)).toString()];
+    }
     uses.remove({});
     QStringList twice;
     for (auto use = uses.cbegin(); use != uses.cend(); ++use) {
-        if (use.value() > 1)
+        if (use.value() > 1) {
             twice.append(use.key());
+        }
     }
     return twice;
 }
@@ -195,11 +213,13 @@ QStringList hardToRead(QWidget& window) {
     QStringList found;
     for (const QWidget* const widget : onShow(window)) {
         const bool isHint = qobject_cast<const QLabel*>(widget) != nullptr;
-        if (textOf(*widget).isEmpty() || !(isHint || widget->isEnabledTo(&window)))
+        if (textOf(*widget).isEmpty() || !(isHint || widget->isEnabledTo(&window))) {
             continue;
+        }
         const double seen = contrastOf(picture.copy(inPicture(*widget, window)));
-        if (seen < kLeastContrast)
+        if (seen < kLeastContrast) {
             found.append(QString("%1: %2").arg(widget->objectName(), QString::number(seen)));
+        }
     }
     return found;
 }

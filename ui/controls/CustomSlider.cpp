@@ -69,8 +69,9 @@ double CustomSlider::step() const {
 }
 
 void CustomSlider::moveByUser(double value) {
-    if (sliderEnable)
+    if (sliderEnable) {
         takeAndTell(std::clamp(value, minValue_, std::max(minValue_, maxValue_)));
+    }
 }
 
 void CustomSlider::mouseDown(const QMouseEvent& event) {
@@ -88,8 +89,9 @@ void CustomSlider::mouseDown(const QMouseEvent& event) {
 
 void CustomSlider::mouseDragged(const QMouseEvent& event) {
     platformLog(QString::asprintf("event type:%ld", static_cast<long>(event.type())));
-    if (!isMouseDown)
+    if (!isMouseDown) {
         return;
+    }
     const double value = valueAt(event.position().x());
     platformLog(QString::asprintf("get x:%f", value));
     takeAndTell(value);
@@ -101,34 +103,39 @@ void CustomSlider::mouseUp(const QMouseEvent& /*event*/) {
 }
 
 double CustomSlider::valueAt(double x) const {
-    if (x < 0)
+    if (x < 0) {
         return minValue_;
-    if (x >= width())
+    }
+    if (x >= width()) {
         return maxValue_;
+    }
     return x * (maxValue_ - minValue_) / width() + minValue_;
 }
 
 void CustomSlider::takeAndTell(double value) {
     setDoubleValue(value);
-    NotificationCenter::defaultCenter().post(changedNotification, this, {{valueKey, value}});
+    NotificationCenter::defaultCenter().post(kChangedNotification, this, {{kValueKey, value}});
     Q_EMIT sliderDragged(value);
 }
 
 void CustomSlider::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
         mouseDown(*event);
-    else
+    } else {
         event->ignore();
+    }
 }
 
 void CustomSlider::mouseMoveEvent(QMouseEvent* event) {
-    if (event->buttons().testFlag(Qt::LeftButton))
+    if (event->buttons().testFlag(Qt::LeftButton)) {
         mouseDragged(*event);
+    }
 }
 
 void CustomSlider::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
         mouseUp(*event);
+    }
 }
 
 void CustomSlider::keyPressEvent(QKeyEvent* event) {

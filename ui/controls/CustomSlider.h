@@ -14,7 +14,9 @@ namespace velmora {
 /// The cutter's scrubbing bar: a horizontal slider that shows the kept range between a start and an
 /// end anchor. Every move of the user, by mouse, key or assistive technology, is posted as
 /// "customCrubbingBarChangedNotification" with the new value under "customCrubbingBarValue" and
-/// then sent as `sliderDragged`. Main thread.
+/// then sent as `sliderDragged`. It draws into a canvas that is made when the bar awakes and never
+/// grows, so it awakes once it has the largest size that its window will give it, and that becomes
+/// its maximum size. Main thread.
 class CustomSlider : public QWidget {
     Q_OBJECT
     Q_PROPERTY(double minValue READ minValue WRITE setMinValue)
@@ -23,8 +25,8 @@ class CustomSlider : public QWidget {
     Q_PROPERTY(bool customSliderEnable READ customSliderEnable WRITE setCustomSliderEnable)
 
 public:
-    static constexpr const char* changedNotification = "customCrubbingBarChangedNotification";
-    static constexpr const char* valueKey = "customCrubbingBarValue";
+    static constexpr const char* kChangedNotification = "customCrubbingBarChangedNotification";
+    static constexpr const char* kValueKey = "customCrubbingBarValue";
 
     explicit CustomSlider(QWidget* parent = nullptr);
     void initWithFrame(const QRect& frame);

@@ -22,8 +22,9 @@ void CustomSliderAccessible::install() {
 }
 
 void* CustomSliderAccessible::interface_cast(QAccessible::InterfaceType type) {
-    if (type == QAccessible::ValueInterface)
+    if (type == QAccessible::ValueInterface) {
         return static_cast<QAccessibleValueInterface*>(this);
+    }
     return QAccessibleWidget::interface_cast(type);
 }
 
@@ -34,8 +35,9 @@ QAccessible::State CustomSliderAccessible::state() const {
 }
 
 QString CustomSliderAccessible::text(QAccessible::Text kind) const {
-    if (kind == QAccessible::Value)
+    if (kind == QAccessible::Value) {
         return QString::number(slider_.doubleValue());
+    }
     return QAccessibleWidget::text(kind);
 }
 

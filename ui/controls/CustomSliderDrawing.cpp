@@ -23,8 +23,9 @@ QRect integral(const QRectF& rect) {
 
 void CustomSlider::drawRect(QPainter& control, const QRect& dirty) {
     prepareCanvas();
-    if (canvas.isNull())
+    if (canvas.isNull()) {
         return;
+    }
     {
         QPainter painter(&canvas);
         painter.setCompositionMode(QPainter::CompositionMode_Clear);
@@ -43,8 +44,9 @@ void CustomSlider::drawRect(QPainter& control, const QRect& dirty) {
 void CustomSlider::prepareCanvas() {
     const double ratio = devicePixelRatioF();
     const QSize pixels = (canvasRect.size() * ratio).toSize();
-    if (canvas.size() == pixels)
+    if (canvas.size() == pixels) {
         return;
+    }
     // Only the sharpness can have changed, when the window has come to another screen.
     canvas = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     canvas.setDevicePixelRatio(ratio);
@@ -52,16 +54,18 @@ void CustomSlider::prepareCanvas() {
 }
 
 void CustomSlider::loadTrackImages() {
-    if (!barImageActive.isNull())
+    if (!barImageActive.isNull()) {
         return;
+    }
     barImageActive = NamedImage("mp_channel_active");
     barImageUnactive1 = NamedImage("mp_channel");
     barImageUnactive2 = NamedImage("mp_channel");
 }
 
 void CustomSlider::loadKnobImages() {
-    if (!knobImage.isNull())
+    if (!knobImage.isNull()) {
         return;
+    }
     knobImage = NamedImage("mp_thumb");
     knobImageActive = NamedImage("mp_thumb_active");
 }
@@ -76,10 +80,12 @@ void CustomSlider::drawAnchors(QPainter& painter) {
         dropPassedAnchor(painter);
         return;
     }
-    if (leftVal >= 0)
+    if (leftVal >= 0) {
         drawLeftOf(painter, static_cast<double>(leftVal));
-    if (rightVal >= 0)
+    }
+    if (rightVal >= 0) {
         drawRightOf(painter, static_cast<double>(rightVal));
+    }
 }
 
 void CustomSlider::dropPassedAnchor(QPainter& painter) {
@@ -118,15 +124,17 @@ QRect CustomSlider::knobRect() const {
     const auto knobWidth = static_cast<float>(knobImage.size().width());
     const int knobHeight = knobImage.size().height();
     float x = std::max(0.0F, xOf(value_) - knobWidth * 0.5F);
-    if (knobWidth + x >= barWidth)
+    if (knobWidth + x >= barWidth) {
         x = barWidth - knobWidth;
+    }
     return integral({x, (height() - knobHeight) * 0.5, knobWidth, static_cast<double>(knobHeight)});
 }
 
 void CustomSlider::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    if (hasFocus()) // below the bar: some styles fill the frame
+    if (hasFocus()) { // below the bar: some styles fill the frame
         drawFocus(painter);
+    }
     drawRect(painter, event->rect());
 }
 

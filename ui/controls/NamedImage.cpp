@@ -15,22 +15,26 @@ NamedImage::NamedImage(const QString& name) : name_(name) {
     for (const char* const suffix : {"", "@2x", "@3x"}) {
         const QString path = Bundle::pathForResource("images/" + name + suffix, "png");
         const QSize size = QImageReader(path).size();
-        if (size.isEmpty())
+        if (size.isEmpty()) {
             break;
-        if (variants_.empty())
+        }
+        if (variants_.empty()) {
             size_ = size;
+        }
         variants_.push_back({path, {}});
     }
 }
 
 NamedImage::NamedImage(const QImage& picture) : size_(picture.size()) {
-    if (!picture.isNull())
+    if (!picture.isNull()) {
         variants_.push_back({{}, picture});
+    }
 }
 
 void NamedImage::draw(QPainter& painter, const QRect& target) const {
-    if (isNull() || target.isEmpty())
+    if (isNull() || target.isEmpty()) {
         return;
+    }
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const double enlarged = static_cast<double>(target.height()) / size().height();
     painter.drawImage(target, variantFor(enlarged * painter.device()->devicePixelRatioF()));

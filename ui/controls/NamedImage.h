@@ -12,7 +12,7 @@ class QPainter;
 namespace velmora {
 
 /// An image of the application's resources, in all the sharpnesses that there are of it. Each is
-/// read when it is first drawn, and then kept.
+/// read when it is first drawn, and then kept. `resources/images/export` makes them from drawings.
 class NamedImage {
 public:
     /// No image: has no name and no size and draws nothing.

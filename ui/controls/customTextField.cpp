@@ -9,7 +9,7 @@ customTextField::customTextField(QWidget* parent) : QLineEdit(parent) {
 }
 
 void customTextField::textDidChange() {
-    NotificationCenter::defaultCenter().post(changedNotification, this);
+    NotificationCenter::defaultCenter().post(kChangedNotification, this);
 }
 
 } // namespace velmora

@@ -10,7 +10,7 @@ class customTextField : public QLineEdit {
     Q_OBJECT
 
 public:
-    static constexpr const char* changedNotification = "onTextDidChangeNotify";
+    static constexpr const char* kChangedNotification = "onTextDidChangeNotify";
 
     explicit customTextField(QWidget* parent = nullptr);
     void textDidChange();

@@ -24,6 +24,11 @@ struct NodeInfo;
 /// into the panel that starts a cut. The item itself is in the shared `cutterFileList`, the times
 /// of a cut in the current setting. Times are seconds unless their names say otherwise. Main
 /// thread; loading and scrubbing block.
+///
+/// Each load subscribes once more to the moves of the bar, so after n loads a move is handled n + 1
+/// times, by design; the same picture is taken and loaded only once. Of two files chosen, the
+/// second is loaded again and again, by design too: between two loads the window can be closed, but
+/// takes no other input.
 class CutterSession {
 public:
     /// What a session asks of the window that it is in.

@@ -10,10 +10,12 @@ constexpr double kMostStretch = 10;
 
 QSize displaySize(const QSize& frameSize, SampleAspectRatio aspect) {
     const double stretch = static_cast<double>(aspect.width) / aspect.height;
-    if (stretch > kMostStretch || stretch < 1 / kMostStretch)
+    if (stretch > kMostStretch || stretch < 1 / kMostStretch) {
         return frameSize;
-    if (stretch > 1)
+    }
+    if (stretch > 1) {
         return {qRound(frameSize.width() * stretch), frameSize.height()};
+    }
     return {frameSize.width(), qRound(frameSize.height() / stretch)};
 }
 

@@ -18,8 +18,9 @@ bool isCompiledIn(const QString& path) {
 }
 
 QString readablePath(const QString& resource) {
-    if (!isCompiledIn(resource))
+    if (!isCompiledIn(resource)) {
         return QFileInfo(resource).absoluteFilePath();
+    }
     return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/help/index.html";
 }
 
@@ -41,8 +42,9 @@ HelpPage::HelpPage()
 
 void HelpPage::open() const {
     const QUrl url(address_);
-    if (isCompiledIn(resource_))
+    if (isCompiledIn(resource_)) {
         writeCopy(resource_, url.toLocalFile());
+    }
     QDesktopServices::openUrl(url);
 }
 

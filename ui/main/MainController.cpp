@@ -129,10 +129,10 @@ void MainController::setDefaultView() {
     mainWin_->setBackgroundColor(QColor::fromRgbF(0.73F, 0.87F, 0.97F, 1.0F));
     ui_.tableView->setSelectionMode(QAbstractItemView::ExtendedSelection);
     cutter_.unload();
-    subscribe(CustomSlider::changedNotification, &MainController::scrubbingbarDidChange);
+    subscribe(CustomSlider::kChangedNotification, &MainController::scrubbingbarDidChange);
     ui_.mCustomImage->setMouseDownCB(this, &MainController::mouseDownListener);
     currentSetting = std::make_shared<NodeSetting>();
-    subscribe(customTextField::changedNotification, &MainController::onTextDidChange);
+    subscribe(customTextField::kChangedNotification, &MainController::onTextDidChange);
 }
 
 void MainController::makeLists() {
@@ -268,7 +268,7 @@ void MainController::slider_drag(const CustomSlider& sender) {
 }
 
 void MainController::scrubbingbarDidChange(const Notification& notification) {
-    cutter_.scrubTo(notification.userInfo.value(CustomSlider::valueKey).toDouble());
+    cutter_.scrubTo(notification.userInfo.value(CustomSlider::kValueKey).toDouble());
 }
 
 void MainController::onTextDidChange(const Notification& /*notification*/) {

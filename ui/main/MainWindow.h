@@ -12,7 +12,8 @@ class MainWindow;
 }
 
 /// The main window as its interface description has it, with its looks. What it does is the
-/// business of its controller.
+/// business of its controller. Its colours are fixed, since its background is, and set on its
+/// contents only: file panels and alerts keep the desktop's.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 

@@ -19,8 +19,9 @@ void PreviewStage::setDisplaySize(const QSize& size) {
 
 void PreviewStage::placeChild() {
     QWidget* const view = child();
-    if (!view)
+    if (!view) {
         return;
+    }
     const QRect room = contentsRect();
     const QSize wanted = displaySize_.isEmpty()
                              ? room.size()

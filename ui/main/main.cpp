@@ -37,8 +37,9 @@ int main(int argc, char** argv) {
     const velmora::OncePainted begin(controller.mainWin(), [&controller] {
         velmora::mediaOperations().setLogSink(logEngineLine);
         const QString file = fileToOpen();
-        if (!file.isEmpty())
+        if (!file.isEmpty()) {
             controller.mouseDownListener(file);
+        }
     });
     controller.mainWin().show();
     return QApplication::exec();

@@ -154,8 +154,9 @@ void OutputSettingsPanel::setStatus(bool enabled) {
 }
 
 bool OutputSettingsPanel::windowShouldClose() {
-    if (modalWindow() == window_.get()) // a refused start has ended its session before
+    if (modalWindow() == window_.get()) { // a refused start has ended its session before
         stopModal();
+    }
     return true;
 }
 
