@@ -28,6 +28,13 @@ TEST_F(ConverterControllerTest, tick_counters_areShown) {
     EXPECT_TRUE(alerts_.messages.isEmpty());
 }
 
+TEST_F(ConverterControllerTest, tick_halfOfTheItems_fillsHalfOfTheBar) {
+    addThree();
+    setCounters(1, 2, 0, {1});
+    controller_.refreshProgree();
+    EXPECT_EQ(controller_.totleProgress()->value(), 50);
+}
+
 TEST_F(ConverterControllerTest, tick_percentMinus1_keepsItemLineAndBar) {
     addThree();
     setCounters(0, 3, 45);

@@ -29,5 +29,14 @@ TEST_F(ConverterControllerTest, window_longName_needsNoMoreRoom) {
     EXPECT_LT(windowOf(controller_).minimumSizeHint().width(), 600);
 }
 
+TEST_F(ConverterControllerTest, bars_ofAnotherWindow_areShownInstead) {
+    QProgressBar single;
+    QProgressBar total;
+    controller_.setSingleProgress(&single);
+    controller_.setTotleProgress(&total);
+    EXPECT_EQ(controller_.singleProgress(), &single);
+    EXPECT_EQ(controller_.totleProgress(), &total);
+}
+
 } // namespace
 } // namespace velmora::test

@@ -158,6 +158,7 @@ TEST(BinaryPropertyList, containersHeldTwice_areNotSafe) {
     EXPECT_FALSE(isSafe(binary({arrayOf({1, 1}), dictionary, key})));
     EXPECT_FALSE(isSafe(binary({arrayOf({1, 1}), "\xC0"}))); // a set
     EXPECT_FALSE(isSafe(binary({std::string("\xD1") + bigEndian(1, 2) + bigEndian(0, 2), key})));
+    EXPECT_TRUE(isSafe(binary({"\x5F\x13" + bigEndian(3, 8) + "abc"}))); // a length of eight bytes
     EXPECT_FALSE(isSafe("bplist00"));
 }
 

@@ -156,6 +156,7 @@ TEST_F(CutterLoadTest, soundWithoutPictures_loads) {
     dropOnPreview(media("audio-only.wav"));
     ASSERT_EQ(cutterFileList->size(), 1U);
     EXPECT_EQ(cutterFileList->front()->resolution, "0x0");
+    EXPECT_NEAR(preview().width() * 9.0 / 16.0, preview().height(), 1.0);
     EXPECT_EQ(text("mLabelEnd"), "00:00:02.000");
 }
 

@@ -107,7 +107,6 @@ void OutputSettingsPanel::initProfile() {
     mProfileInfo.initWithPath(profilePath());
     mProfileArray = mProfileInfo.getAllProfileName();
     form.mComboBox->addItems(mProfileArray);
-    form.mComboBox->setCurrentIndex(0);
     form.mRadioReencode->setEnabled(!mProfileArray.isEmpty());
     const QString first = mProfileArray.value(0);
     mSetInfo.initWithDict(mProfileInfo.getProfileByName(first));
