@@ -97,5 +97,14 @@ TEST_F(JoinerColumnsTest, merge_afterAnotherLoad_opensTheSamePanelWithItsFieldsK
     }));
 }
 
+TEST_F(JoinerColumnsTest, columns_haveRoomForWhatIsUsual) {
+    const QStringList usual{"Format", "00:00:00.000", "0000x0000", "Frame rate", "Completed"};
+    for (int column = 1; column <= usual.size(); ++column) {
+        EXPECT_GT(table().columnWidth(column),
+                  table().fontMetrics().horizontalAdvance(usual[column - 1]))
+            << column;
+    }
+}
+
 } // namespace
 } // namespace velmora::test

@@ -103,7 +103,8 @@ TEST_F(JoinerTest, remove_nothingSelected_doesNothing) {
 }
 
 TEST_F(JoinerTest, remove_firstOfSeveralSelectedRows_goesWhenItIsTheCurrentOne) {
-    dropOnTable({video_, media("h264.mp4")});
+    dropOnTable({video_});
+    dropOnTable({media("h264.mp4")});
     table().selectRow(1);
     table().selectionModel()->setCurrentIndex(
         table().model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);

@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPalette>
 #include <QTextBlock>
 #include <QTextDocument>
 
@@ -58,6 +59,17 @@ TEST_F(MainLooksTest, times_haveDigitsOfOneWidth) {
         }
         EXPECT_EQ(field.font().pointSizeF(), controller_.mainWin().font().pointSizeF()) << name;
     }
+}
+
+// The window's background is light whatever the desktop's colours are, and so all on it is dark.
+TEST_F(MainLooksTest, colours_areDarkOnLight) {
+    const QPalette colours = outlet("mTextFieldHowTo").palette();
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        EXPECT_EQ(colours.color(QPalette::Active, role), QColor("#12324a"));
+        EXPECT_EQ(colours.color(QPalette::Disabled, role), QColor("#6b8598"));
+    }
+    EXPECT_EQ(colours.color(QPalette::ToolTipText), QColor("#12324a"));
+    EXPECT_EQ(colours.color(QPalette::ToolTipBase), QColor(Qt::white));
 }
 
 TEST_F(MainLooksTest, version_isReadFromTheInfoList) {
