@@ -97,12 +97,12 @@ TEST_F(JoinerColumnsTest, merge_afterAnotherLoad_opensTheSamePanelWithItsFieldsK
     }));
 }
 
-TEST_F(JoinerColumnsTest, columns_haveRoomForWhatIsUsual) {
+TEST_F(JoinerColumnsTest, columns_haveRoomForWhatIsUsualAndNotMuchMore) {
     const QStringList usual{"Format", "00:00:00.000", "0000x0000", "Frame rate", "Completed"};
     for (int column = 1; column <= usual.size(); ++column) {
-        EXPECT_GT(table().columnWidth(column),
-                  table().fontMetrics().horizontalAdvance(usual[column - 1]))
-            << column;
+        const int text = table().fontMetrics().horizontalAdvance(usual[column - 1]);
+        EXPECT_GT(table().columnWidth(column), text) << column;
+        EXPECT_LT(table().columnWidth(column), text + 40) << column;
     }
 }
 

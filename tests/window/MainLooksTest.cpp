@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPalette>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -63,7 +64,7 @@ TEST_F(MainLooksTest, times_haveDigitsOfOneWidth) {
 
 // The window's background is light whatever the desktop's colours are, and so all on it is dark.
 TEST_F(MainLooksTest, colours_areDarkOnLight) {
-    const QPalette colours = outlet("mTextFieldHowTo").palette();
+    const QPalette colours = controller_.mainWin().menuBar()->palette();
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         EXPECT_EQ(colours.color(QPalette::Active, role), QColor("#12324a"));
         EXPECT_EQ(colours.color(QPalette::Disabled, role), QColor("#6b8598"));
