@@ -27,6 +27,7 @@ protected:
         currentSetting = std::make_shared<NodeSetting>();
         session_.unload();
         session_.viewValueReset();
+        session_.createPanel();
     }
     void load() { session_.mouseDownListener(video_); }
     /// Puts the bar at `percent`, as the user's hand does.

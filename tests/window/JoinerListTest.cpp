@@ -16,6 +16,7 @@ protected:
         joinerFileList = std::make_shared<FileList>();
         sharedFileList = joinerFileList;
         list_.reload();
+        list_.createPanel();
     }
     ~JoinerListTest() override {
         joinerFileList.reset();

@@ -20,9 +20,16 @@ namespace {
 
 TEST_F(MainSetUpTest, start_logsItsStages) {
     EXPECT_LT(log_.all().indexOf("initWithWindow"), log_.all().indexOf("awakeFromNib"));
+    EXPECT_LT(log_.all().indexOf("awakeFromNib"), log_.all().indexOf("setFileCanJoinCB"));
     EXPECT_EQ(log_.count("initWithWindow"), 1);
     EXPECT_EQ(log_.count("awakeFromNib"), 1);
+    EXPECT_EQ(log_.count("setFileCanJoinCB"), 1);
     EXPECT_EQ(log_.all().filter("canvas w:").size(), 1);
+}
+
+TEST_F(MainSetUpTest, setUp_again_keepsThePanels) {
+    controller_.setDefaultView();
+    EXPECT_EQ(log_.count("setFileCanJoinCB"), 1);
 }
 
 TEST_F(MainSetUpTest, start_titleHasNoVersion) {

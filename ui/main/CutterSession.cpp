@@ -41,10 +41,15 @@ CutterSession::CutterSession(MainWindow& window, Requests requests)
     : window_(window), bar_(*window.outlets().mCustomSlider), start_(*window.outlets().mLabelStart),
       end_(*window.outlets().mLabelEnd), length_(*window.outlets().mLabelDuration),
       position_(*window.outlets().mLabelDrag), preview_(*window.outlets().mCustomImage),
-      requests_(std::move(requests)),
-      mCutterWincontroller(std::make_unique<cutterWinController>(&window)) {}
+      requests_(std::move(requests)) {}
 
 CutterSession::~CutterSession() = default;
+
+void CutterSession::createPanel() {
+    if (!mCutterWincontroller) {
+        mCutterWincontroller = std::make_unique<cutterWinController>(&window_);
+    }
+}
 
 // Loading.
 
@@ -285,7 +290,9 @@ void CutterSession::startCut() {
 }
 
 void CutterSession::closePanel() {
-    mCutterWincontroller->close();
+    if (mCutterWincontroller) {
+        mCutterWincontroller->close();
+    }
 }
 
 } // namespace velmora

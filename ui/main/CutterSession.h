@@ -47,6 +47,9 @@ public:
     CutterSession(const CutterSession&) = delete;
     CutterSession& operator=(const CutterSession&) = delete;
 
+    /// Makes the panel, unless there is one. Without it nothing can be cut.
+    void createPanel();
+
     // Loading.
     /// A dropped path, or none for a click on the empty preview.
     void mouseDownListener(const std::optional<QString>& path);

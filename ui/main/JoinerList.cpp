@@ -57,13 +57,18 @@ bool areAlike(const NodeInfo& a, const NodeInfo& b) {
 } // namespace
 
 JoinerList::JoinerList(JoinerTable& table, QWidget& owner)
-    : table_(table), model_(*this),
-      mJointerWincontroller(std::make_unique<joinerWinController>(&owner)) {
+    : table_(table), owner_(owner), model_(*this) {
     table_.setModel(&model_);
-    mJointerWincontroller->setFileCanJoinCB(this, &JoinerList::canJoin);
 }
 
 JoinerList::~JoinerList() = default;
+
+void JoinerList::createPanel() {
+    if (!mJointerWincontroller) {
+        mJointerWincontroller = std::make_unique<joinerWinController>(&owner_);
+        mJointerWincontroller->setFileCanJoinCB(this, &JoinerList::canJoin);
+    }
+}
 
 void JoinerList::reload() {
     const int row = table_.selectedRow();
@@ -163,7 +168,9 @@ void JoinerList::merge() {
 }
 
 void JoinerList::closePanel() {
-    mJointerWincontroller->close();
+    if (mJointerWincontroller) {
+        mJointerWincontroller->close();
+    }
 }
 
 } // namespace velmora

@@ -21,11 +21,14 @@ class joinerWinController;
 /// blocks.
 class JoinerList {
 public:
-    /// The list is shown by `table`. The panel stays above `owner`. Both must outlive this.
+    /// The list is shown by `table`. The panel will stay above `owner`. Both must outlive this.
     JoinerList(JoinerTable& table, QWidget& owner);
     ~JoinerList();
     JoinerList(const JoinerList&) = delete;
     JoinerList& operator=(const JoinerList&) = delete;
+
+    /// Makes the panel, unless there is one. Without it nothing can be joined.
+    void createPanel();
 
     /// Shows the list as it is now. The selected place stays selected, as long as there is a row.
     void reload();
@@ -53,6 +56,7 @@ public:
 
 private:
     JoinerTable& table_;
+    QWidget& owner_;
     JoinerTableModel model_;
     std::unique_ptr<joinerWinController> mJointerWincontroller;
 };

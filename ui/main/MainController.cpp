@@ -133,6 +133,8 @@ void MainController::setDefaultView() {
     ui_.mCustomImage->setMouseDownCB(this, &MainController::mouseDownListener);
     currentSetting = std::make_shared<NodeSetting>();
     subscribe(customTextField::kChangedNotification, &MainController::onTextDidChange);
+    cutter_.createPanel();
+    joiner_.createPanel();
 }
 
 void MainController::makeLists() {
