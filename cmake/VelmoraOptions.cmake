@@ -26,11 +26,3 @@ if(VELMORA_SANITIZE)
     target_compile_options(velmora_options INTERFACE ${sanitizer_flags})
     target_link_options(velmora_options INTERFACE ${sanitizer_flags})
 endif()
-
-# Has what nearly every source of `target` includes compiled once.
-option(VELMORA_PRECOMPILE "Precompile the headers of large libraries; hides missing includes" OFF)
-function(velmora_precompile target)
-    if(VELMORA_PRECOMPILE)
-        target_precompile_headers(${target} PRIVATE ${ARGN})
-    endif()
-endfunction()

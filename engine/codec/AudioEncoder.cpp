@@ -26,7 +26,7 @@ AVSampleFormat formatOf(AVCodecID codec) {
     }
 }
 
-bool isOffered(AVCodecID codec) {
+bool isOfferedForAudio(AVCodecID codec) {
     return codec == AV_CODEC_ID_AAC || codec == AV_CODEC_ID_MP3 || codec == AV_CODEC_ID_VORBIS ||
            codec == AV_CODEC_ID_WMAV2;
 }
@@ -51,7 +51,7 @@ void** planesOf(const AVFrame& frame) {
 
 int AudioEncoder::open(const AudioSettings& settings, const AVOutputFormat& format) {
     const AVCodec* codec =
-        isOffered(settings.codec) ? avcodec_find_encoder(settings.codec) : nullptr;
+        isOfferedForAudio(settings.codec) ? avcodec_find_encoder(settings.codec) : nullptr;
     if (codec == nullptr) {
         return AVERROR_ENCODER_NOT_FOUND;
     }

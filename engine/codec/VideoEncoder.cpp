@@ -12,7 +12,7 @@ constexpr int kGroupOfPictures = 12;
 // Fixed, whatever the machine has: the packets must not depend on the number of its cores.
 constexpr int kSliceThreads = 4;
 
-bool isOffered(AVCodecID codec) {
+bool isOfferedForVideo(AVCodecID codec) {
     return codec == AV_CODEC_ID_MPEG4 || codec == AV_CODEC_ID_FLV1 || codec == AV_CODEC_ID_WMV2 ||
            codec == AV_CODEC_ID_H264;
 }
@@ -47,7 +47,7 @@ void configureH264(AVCodecContext& encoder) {
 int VideoEncoder::open(const VideoSettings& settings, AVRational frameDuration,
                        const AVOutputFormat& format, const AVCodecParameters& source) {
     const AVCodec* codec =
-        isOffered(settings.codec) ? avcodec_find_encoder(settings.codec) : nullptr;
+        isOfferedForVideo(settings.codec) ? avcodec_find_encoder(settings.codec) : nullptr;
     if (codec == nullptr) {
         return AVERROR_ENCODER_NOT_FOUND;
     }

@@ -67,7 +67,7 @@ TEST_P(CopyMatrix, join_copiesEveryPacketOfAllInputsWithoutAGap) {
     expectVideo(output_, {wholeOf(source_), wholeOf(source_), wholeOf(source_)});
 }
 
-std::string nameOfPair(const testing::TestParamInfo<CopyMatrix::ParamType>& info) {
+std::string nameOfCopy(const testing::TestParamInfo<CopyMatrix::ParamType>& info) {
     return std::string(std::get<0>(info.param).name) + "_to_" + std::get<1>(info.param);
 }
 
@@ -75,15 +75,15 @@ INSTANTIATE_TEST_SUITE_P(H264, CopyMatrix,
                          Combine(Values(kH264, kH264Reordered),
                                  Values("mp4", "mov", "m4v", "3gp", "mkv", "flv", "avi", "wmv",
                                         "ts", "mpg")),
-                         nameOfPair);
+                         nameOfCopy);
 INSTANTIATE_TEST_SUITE_P(Mpeg4, CopyMatrix,
                          Combine(Values(kMpeg4, kMpeg4Reordered),
                                  Values("mp4", "mov", "m4v", "3gp", "mkv", "avi", "wmv", "ts",
                                         "mpg")),
-                         nameOfPair);
+                         nameOfCopy);
 INSTANTIATE_TEST_SUITE_P(Hevc, CopyMatrix,
                          Combine(Values(kHevc), Values("mp4", "mov", "mkv", "avi", "ts", "mpg")),
-                         nameOfPair);
+                         nameOfCopy);
 
 /// Containers that do not take the codec, or of which nobody could tell it again.
 class CopyRefused : public CopyMatrix {};
@@ -97,9 +97,9 @@ TEST_P(CopyRefused, input_failsAndNoOutputIsLeft) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Mpeg4, CopyRefused,
-                         Combine(Values(kMpeg4, kMpeg4Reordered), Values("flv")), nameOfPair);
+                         Combine(Values(kMpeg4, kMpeg4Reordered), Values("flv")), nameOfCopy);
 INSTANTIATE_TEST_SUITE_P(Hevc, CopyRefused,
-                         Combine(Values(kHevc), Values("m4v", "3gp", "flv", "wmv")), nameOfPair);
+                         Combine(Values(kHevc), Values("m4v", "3gp", "flv", "wmv")), nameOfCopy);
 
 /// Sources as they are, joined into a container of the same kind.
 class CopyOwnContainer : public JobTest, public testing::WithParamInterface<std::string> {};

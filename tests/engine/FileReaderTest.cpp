@@ -1,4 +1,5 @@
 #include "FileReader.h"
+#include "FileWriterSupport.h"
 #include "TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -14,13 +15,6 @@
 
 namespace velmora::test {
 namespace {
-
-Bytes someBytes(std::size_t count) {
-    std::mt19937 random(3); // the same bytes in every run
-    Bytes bytes(count);
-    std::ranges::generate(bytes, [&random] { return static_cast<std::uint8_t>(random()); });
-    return bytes;
-}
 
 Bytes readAll(AVIOContext* io) {
     Bytes content;
