@@ -1,6 +1,7 @@
 #include "ConversionEngine.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
+#include "ExactRun.h"
 #include "FrameRate.h"
 #include "MediaOperations.h"
 #include "PreviewFile.h"
@@ -107,7 +108,11 @@ void LibavOperations::run(const Job& job, ConversionEngine& engine) {
         return;
     }
     try {
-        velmora::run(job, progress, engine.stopRequested);
+        if (job.exact) {
+            runExactly(job, progress, engine.stopRequested);
+        } else {
+            velmora::run(job, progress, engine.stopRequested);
+        }
     } catch (const std::exception& failure) { // without memory or threads
         av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());
         progress.failPending();

@@ -84,18 +84,18 @@ int AudioEncoder::describe(AVCodecParameters& parameters) const {
     return avcodec_parameters_from_context(&parameters, encoder_.get());
 }
 
-int AudioEncoder::queue(const AVFrame& samples) {
-    return av_audio_fifo_write(queue_.get(), planesOf(samples), samples.nb_samples);
+int AudioEncoder::queue(const AVFrame& samples, int count) {
+    return av_audio_fifo_write(queue_.get(), planesOf(samples), count);
 }
 
-int AudioEncoder::queueSilence() {
+int AudioEncoder::queueSilence(int count) {
     const FrameHandle silence = emptyChunk();
     if (silence == nullptr) {
         return AVERROR(ENOMEM);
     }
-    av_samples_set_silence(silence->extended_data, 0, frameSize(), encoder_->ch_layout.nb_channels,
+    av_samples_set_silence(silence->extended_data, 0, count, encoder_->ch_layout.nb_channels,
                            encoder_->sample_fmt);
-    return queue(*silence);
+    return queue(*silence, count);
 }
 
 std::int64_t AudioEncoder::samplesQueued() const {

@@ -26,9 +26,13 @@ public:
     int describe(AVCodecParameters& parameters) const;
 
     /// Queues samples in the encoder's format. 0 or a negative libav error code.
-    int queue(const AVFrame& samples);
+    int queue(const AVFrame& samples) { return queue(samples, samples.nb_samples); }
+    /// Queues the first `count` of them, which is not more than there are.
+    int queue(const AVFrame& samples, int count);
     /// Queues one frame's worth of silence. 0 or a negative libav error code.
-    int queueSilence();
+    int queueSilence() { return queueSilence(frameSize()); }
+    /// Queues `count` samples of silence, at most one frame's worth.
+    int queueSilence(int count);
     /// Samples that have been queued since `open`, and the silence that has filled chunks up.
     std::int64_t samplesQueued() const;
     /// Samples in a chunk.

@@ -8,7 +8,7 @@
 namespace velmora {
 namespace {
 
-int openContext(const AVStream& stream, CodecContextHandle& context) {
+int openContext(const AVStream& stream, Decoder::Threads threads, CodecContextHandle& context) {
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (codec == nullptr) {
         return AVERROR_DECODER_NOT_FOUND;
@@ -23,15 +23,18 @@ int openContext(const AVStream& stream, CodecContextHandle& context) {
     }
     context->pkt_timebase = stream.time_base;
     context->max_pixels = kMaxPixels;
+    if (threads == Decoder::Threads::AllCores) {
+        context->thread_count = 0;
+    }
     return avcodec_open2(context.get(), codec, nullptr);
 }
 
 } // namespace
 
-int Decoder::open(const AVStream& stream, const std::string& path) {
+int Decoder::open(const AVStream& stream, const std::string& path, Threads threads) {
     close();
     CodecContextHandle opened;
-    const int result = openContext(stream, opened);
+    const int result = openContext(stream, threads, opened);
     if (result < 0) {
         logFailure(path, "open decoder", result);
         return result;
@@ -40,10 +43,9 @@ int Decoder::open(const AVStream& stream, const std::string& path) {
     return 0;
 }
 
-void Decoder::send(const AVPacket& packet) {
-    if (packet.size > 0) { // without data, it would be taken for the end of the stream
-        avcodec_send_packet(context_.get(), &packet);
-    }
+bool Decoder::send(const AVPacket& packet) {
+    // Without data, it would be taken for the end of the stream.
+    return packet.size <= 0 || avcodec_send_packet(context_.get(), &packet) >= 0;
 }
 
 void Decoder::sendEnd() {
@@ -52,9 +54,9 @@ void Decoder::sendEnd() {
 
 FrameHandle Decoder::receive() {
     FrameHandle frame(av_frame_alloc());
-    const bool received =
-        frame != nullptr && avcodec_receive_frame(context_.get(), frame.get()) >= 0;
-    return received ? std::move(frame) : nullptr;
+    received_ = frame != nullptr ? avcodec_receive_frame(context_.get(), frame.get())
+                                 : AVERROR(ENOMEM);
+    return received_ >= 0 ? std::move(frame) : nullptr;
 }
 
 } // namespace velmora

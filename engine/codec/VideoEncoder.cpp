@@ -30,21 +30,32 @@ AVColorSpace matrixFor(const AVCodecParameters& source, int height) {
     return height >= leastHdHeight ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
 }
 
-void configureH264(AVCodecContext& encoder) {
+void configureH264(AVCodecContext& encoder, int threadType) {
     encoder.me_range = 16;
     encoder.max_qdiff = 4;
     encoder.qmin = 10;
     encoder.qmax = 51;
     encoder.qcompress = 0.6F;
     encoder.keyint_min = 25;
-    // Slices hold back no picture; whole pictures in threads would hold back one each.
-    encoder.thread_type = FF_THREAD_SLICE;
-    encoder.thread_count = kSliceThreads;
+    encoder.thread_type = threadType;
+    // Slices hold back no picture; whole pictures in threads hold back one each.
+    encoder.thread_count = threadType == FF_THREAD_SLICE ? kSliceThreads : 0;
 }
 
 } // namespace
 
 int VideoEncoder::open(const VideoSettings& settings, AVRational frameDuration,
+                       const AVOutputFormat& format, const AVCodecParameters& source) {
+    const Timing timing{frameDuration, av_inv_q(frameDuration)};
+    return open(settings, timing, FF_THREAD_SLICE, format, source);
+}
+
+int VideoEncoder::open(const VideoSettings& settings, const Timing& timing,
+                       const AVOutputFormat& format, const AVCodecParameters& source) {
+    return open(settings, timing, FF_THREAD_FRAME, format, source);
+}
+
+int VideoEncoder::open(const VideoSettings& settings, const Timing& timing, int threadType,
                        const AVOutputFormat& format, const AVCodecParameters& source) {
     const AVCodec* codec =
         isOfferedForVideo(settings.codec) ? avcodec_find_encoder(settings.codec) : nullptr;
@@ -55,7 +66,7 @@ int VideoEncoder::open(const VideoSettings& settings, AVRational frameDuration,
     if (encoder_ == nullptr) {
         return AVERROR(ENOMEM);
     }
-    configure(settings, frameDuration, source);
+    configure(settings, timing, threadType, source);
     if ((format.flags & AVFMT_GLOBALHEADER) != 0) {
         encoder_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
@@ -64,13 +75,13 @@ int VideoEncoder::open(const VideoSettings& settings, AVRational frameDuration,
     return avcodec_open2(encoder_.get(), codec, nullptr);
 }
 
-void VideoEncoder::configure(const VideoSettings& settings, AVRational frameDuration,
+void VideoEncoder::configure(const VideoSettings& settings, const Timing& timing, int threadType,
                              const AVCodecParameters& source) {
     encoder_->bit_rate = settings.bitRate;
     encoder_->width = settings.width;
     encoder_->height = settings.height;
-    encoder_->time_base = frameDuration;
-    encoder_->framerate = av_inv_q(frameDuration);
+    encoder_->time_base = timing.timeBase;
+    encoder_->framerate = timing.frameRate;
     encoder_->pix_fmt = AV_PIX_FMT_YUV420P;
     encoder_->gop_size = kGroupOfPictures;
     encoder_->max_b_frames = 0; // packets are numbered in coding order
@@ -79,7 +90,7 @@ void VideoEncoder::configure(const VideoSettings& settings, AVRational frameDura
     encoder_->color_trc = source.color_trc;
     encoder_->colorspace = matrixFor(source, settings.height);
     if (settings.codec == AV_CODEC_ID_H264) {
-        configureH264(*encoder_);
+        configureH264(*encoder_, threadType);
     }
 }
 
@@ -95,6 +106,19 @@ PacketHandle VideoEncoder::encode(AVFrame& frame) {
         return nullptr;
     }
     return packet;
+}
+
+int VideoEncoder::encodeAt(const AVFrame* frame, std::vector<PacketHandle>& packets) {
+    int result = avcodec_send_frame(encoder_.get(), frame);
+    while (result >= 0) {
+        PacketHandle packet(av_packet_alloc());
+        result = packet != nullptr ? avcodec_receive_packet(encoder_.get(), packet.get())
+                                   : AVERROR(ENOMEM);
+        if (result >= 0) {
+            packets.push_back(std::move(packet));
+        }
+    }
+    return result == AVERROR(EAGAIN) || result == AVERROR_EOF ? 0 : result;
 }
 
 } // namespace velmora

@@ -118,9 +118,13 @@ int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutpu
 }
 
 int copyStreamDescription(const AVStream& source, AVStream& output) {
+    copyStreamTags(source, output);
+    return copySideData(source, output, true);
+}
+
+void copyStreamTags(const AVStream& source, AVStream& output) {
     output.disposition = source.disposition;
     copyTags(source, output);
-    return copySideData(source, output, true);
 }
 
 void copyFileTags(const AVFormatContext& input, AVDictionary** tags) {

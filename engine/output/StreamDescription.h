@@ -14,6 +14,9 @@ int copyStreamParameters(AVFormatContext& input, AVStream& source, const AVOutpu
 /// disposition, and how its pictures are turned. 0 or a negative libav error code.
 int copyStreamDescription(const AVStream& source, AVStream& output);
 
+/// Likewise, of a stream whose pictures have been turned, or that is sound.
+void copyStreamTags(const AVStream& source, AVStream& output);
+
 /// Copies the tags that tell of the whole file, other than those of its container.
 void copyFileTags(const AVFormatContext& input, AVDictionary** tags);
 

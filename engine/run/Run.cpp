@@ -2,7 +2,6 @@
 
 #include "DirectCopy.h"
 #include "EngineLog.h"
-#include "FileIdentity.h"
 #include "FrameRate.h"
 #include "InputProgress.h"
 #include "OutputMedia.h"
@@ -10,7 +9,6 @@
 #include "Reencoding.h"
 #include "StreamDescription.h"
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -45,7 +43,6 @@ private:
     Step createOutput();
     Step setUpStreams();
     Step beginOutput();
-    bool outputIsAnInput() const;
 
     void seekToStart();
     void handlePackets(InputProgress& progress);
@@ -171,22 +168,13 @@ Step JobRun::beginOutput() {
     if (!isFirst()) {
         return Step::Continue;
     }
-    if (outputIsAnInput()) {
+    if (InputFiles::mayReach(job_.inputPaths, job_.outputPaths[0])) {
         av_log(nullptr, AV_LOG_ERROR, "%s: is also an input, or may be part of one\n",
                job_.outputPaths[0].c_str());
         return Step::InputFailed;
     }
     copyFileTags(*input_->media.container(), output_->tags());
     return output_->begin() < 0 ? Step::InputFailed : Step::Continue;
-}
-
-bool JobRun::outputIsAnInput() const {
-    const auto output = FileIdentity::ofPath(job_.outputPaths[0]);
-    return output && std::ranges::any_of(job_.inputPaths, [&](const std::string& path) {
-               const auto input = FileIdentity::ofPath(path);
-               return (input && input->isSameFile(*output)) ||
-                      InputFiles::mayName(path, job_.outputPaths[0]);
-           });
 }
 
 void JobRun::seekToStart() {

@@ -64,6 +64,14 @@ int InputFiles::open() {
     return result >= 0 && isEndlessPlayList(input_) ? AVERROR_INVALIDDATA : result;
 }
 
+bool InputFiles::mayReach(const std::vector<std::string>& inputs, const std::string& output) {
+    const auto file = FileIdentity::ofPath(output);
+    return file && std::ranges::any_of(inputs, [&](const std::string& path) {
+               const auto input = FileIdentity::ofPath(path);
+               return (input && input->isSameFile(*file)) || mayName(path, output);
+           });
+}
+
 bool InputFiles::mayName(const std::string& path, const std::string& other) {
     InputFiles input(path, nullptr);
     const FileDescriptor file = find(other);

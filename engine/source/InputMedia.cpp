@@ -122,6 +122,16 @@ int InputMedia::seek(double& startSeconds) {
     return result;
 }
 
+int InputMedia::seekStream(int streamIndex, std::int64_t timestamp) {
+    lookahead_.clear();
+    return av_seek_frame(container_.get(), streamIndex, timestamp, AVSEEK_FLAG_BACKWARD);
+}
+
+int InputMedia::seekToByte(std::int64_t position) {
+    lookahead_.clear();
+    return av_seek_frame(container_.get(), -1, position, AVSEEK_FLAG_BYTE);
+}
+
 std::optional<std::int64_t> InputMedia::bytePosition(double startSeconds) const {
     const std::int64_t size = avio_size(container_->pb);
     const std::int64_t durationUs = container_->duration;
@@ -133,10 +143,12 @@ std::optional<std::int64_t> InputMedia::bytePosition(double startSeconds) const 
     return std::clamp(truncatedTo64Bits(position), INT64_C(0), size);
 }
 
+std::int64_t InputMedia::startUs() const {
+    return container_->start_time == AV_NOPTS_VALUE ? 0 : container_->start_time;
+}
+
 double InputMedia::containerStartSeconds() const {
-    return container_->start_time == AV_NOPTS_VALUE
-               ? 0.0
-               : static_cast<double>(container_->start_time) / kMicrosecondsPerSecond;
+    return static_cast<double>(startUs()) / kMicrosecondsPerSecond;
 }
 
 int InputMedia::knownPlaces() const {

@@ -36,6 +36,12 @@ public:
     /// are then read from their beginning, others from wherever they are.
     int seek(double& startSeconds);
 
+    /// Goes to the last known place of the stream that is not after `timestamp`, in ticks of its
+    /// time base; the container's start time counts. 0 or more, or a negative code.
+    int seekStream(int streamIndex, std::int64_t timestamp);
+    /// Goes to a place of the file where a packet of it begins. 0 or more, or a negative code.
+    int seekToByte(std::int64_t position);
+
     /// How many places of the file have been learnt so far, by its index or by reading. With
     /// others a seek may lead elsewhere.
     int knownPlaces() const;
@@ -47,6 +53,8 @@ public:
     AVStream* audioStream() const { return stream(audioStreamIndex_); }
     int videoStreamIndex() const { return videoStreamIndex_; } ///< -1: none
     int audioStreamIndex() const { return audioStreamIndex_; } ///< -1: none
+    /// Where the time line of the container begins, microseconds; 0 when unknown.
+    std::int64_t startUs() const;
     /// As the file was when it was opened.
     const FileIdentity& identity() const { return files_.identity(); }
 

@@ -10,6 +10,14 @@ namespace velmora {
 
 class ConversionEngine;
 
+/// A stretch of a source, in milliseconds from where its container's time line begins. The pictures
+/// from the first one on that are not more than half a millisecond before `startMs`, up to the last
+/// one that is more than that before `endMs`.
+struct Window {
+    std::int64_t startMs = 0;
+    std::int64_t endMs = 0;
+};
+
 /// All that a run is told: what the engine's tables, settings and modes hold, as one value. A run
 /// works from such a copy, made before it has a thread of its own: what others write into the
 /// engine meanwhile does not reach it.
@@ -33,6 +41,8 @@ struct Job {
     std::int32_t joinSeconds = 0;         ///< length of all inputs of a join
     VideoSettings video;
     AudioSettings audio;
+    std::vector<Window> windows;          ///< per input of an exact cut
+    bool exact = false;                   ///< beside the modes below; nothing of the engine's
     bool videoCodecChosen = false; ///< the codec was chosen by name; a run does not read it
     bool joins = false;            ///< else the inputs are cut; before the first input is added
     bool reencodes = false;        ///< else packets are copied

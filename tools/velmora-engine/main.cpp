@@ -14,6 +14,7 @@ extern "C" {
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <csignal>
 #include <exception>
@@ -43,8 +44,8 @@ using Arguments = std::span<char*>;
 constexpr std::string_view kUsageText = R"(usage:
   velmora-engine probe FILE
   velmora-engine snapshot FILE SECONDS OUT.bmp [--repeat N]
-  velmora-engine cut FILE START END OUT [--reencode SETTING...]
-  velmora-engine join OUT FILE FILE... [--reencode SETTING...]
+  velmora-engine cut FILE START END OUT [--exact] [--reencode SETTING...]
+  velmora-engine join OUT FILE FILE... [--exact] [--reencode SETTING...]
 settings, with their defaults:
   vcodec=H264 vbitrate=2000 size=1280x720 fps=0 acodec=AAC abitrate=128 rate=44100 channels=2
 )";
@@ -166,14 +167,23 @@ int runJob(Job job, const std::optional<ReencodeSettings>& settings) {
 /// What a job's arguments say: files and times, and how to re-encode, if at all.
 struct JobArguments {
     Arguments plain;
+    bool exact = false;
     std::optional<ReencodeSettings> settings;
 };
+
+JobArguments withoutExact(JobArguments job) {
+    job.exact = !job.plain.empty() && std::string_view(job.plain.back()) == "--exact";
+    if (job.exact) {
+        job.plain = job.plain.first(job.plain.size() - 1);
+    }
+    return job;
+}
 
 /// Nothing when a setting cannot be used.
 std::optional<JobArguments> split(Arguments arguments) {
     const auto option = std::ranges::find(arguments, std::string_view("--reencode"));
     if (option == arguments.end()) {
-        return JobArguments{arguments, std::nullopt};
+        return withoutExact({arguments, false, std::nullopt});
     }
     ReencodeSettings settings;
     for (auto setting = option + 1; setting != arguments.end(); ++setting) {
@@ -182,7 +192,12 @@ std::optional<JobArguments> split(Arguments arguments) {
             return std::nullopt;
         }
     }
-    return JobArguments{Arguments(arguments.begin(), option), settings};
+    return withoutExact({Arguments(arguments.begin(), option), false, settings});
+}
+
+std::int64_t milliseconds(double seconds) {
+    constexpr double kMsPerSecond = 1000.0;
+    return std::llround(seconds * kMsPerSecond);
 }
 
 int cut(Arguments arguments) {
@@ -197,6 +212,10 @@ int cut(Arguments arguments) {
     }
     Job cut;
     cut.add(job->plain[0], job->plain[3], *start, *end);
+    cut.exact = job->exact;
+    if (job->exact) {
+        cut.windows.push_back({milliseconds(*start), milliseconds(*end)});
+    }
     return runJob(std::move(cut), job->settings);
 }
 
@@ -217,6 +236,7 @@ int join(Arguments arguments) {
     }
     Job join;
     join.joins = true;
+    join.exact = job->exact;
     for (const char* const input : job->plain.subspan(1)) {
         // The list of a join counts seconds where a cut's counts milliseconds.
         constexpr float kUnit = 1000.0F;

@@ -1,0 +1,172 @@
+#include "DecodedStream.h"
+
+#include "FrameRate.h"
+#include "SourceStreams.h"
+
+extern "C" {
+#include <libavutil/avstring.h>
+}
+
+#include <utility>
+
+namespace velmora {
+namespace {
+
+/// What a picture of the stream lasts, in its ticks, where nothing else is known.
+std::int64_t ticksPerPicture(const AVStream& stream) {
+    const AVRational rate = correctedFrameRate(stream.r_frame_rate);
+    if (rate.num <= 0 || rate.den <= 0) {
+        return 1;
+    }
+    return std::max(av_rescale_q(1, av_inv_q(rate), stream.time_base), INT64_C(1));
+}
+
+} // namespace
+
+DecodedStream::DecodedStream(std::string path, Kind kind, const StopFlag* stop)
+    : path_(std::move(path)), kind_(kind), stop_(stop) {}
+
+int DecodedStream::open() {
+    int result = openInput();
+    if (result < 0) {
+        return result;
+    }
+    if (kind_ == Kind::Pictures && lacksTimes()) {        timedByOrder_ = true;
+        result = openInput();
+    }
+    if (result >= 0) {
+        result = decoder_.open(*stream_, path_, Decoder::Threads::AllCores);
+    }
+    return result;
+}
+
+int DecodedStream::openInput() {
+    stream_ = nullptr;
+    input_ = std::make_unique<InputMedia>(path_, stop_);
+    int result = input_->open();
+    if (result >= 0) {
+        result = input_->readStreamInfo();
+    }
+    if (result < 0) {
+        return result;
+    }
+    stream_ = kind_ == Kind::Pictures ? input_->videoStream() : input_->audioStream();
+    if (stream_ == nullptr) {
+        return AVERROR_STREAM_NOT_FOUND;
+    }
+    for (AVStream* const other : streamsOf(*input_->container())) {
+        if (other != stream_) {
+            other->discard = AVDISCARD_ALL;
+        }
+    }
+    atStart_ = true;
+    return 0;
+}
+
+/// AVI and raw streams tell when packets are decoded, if anything.
+bool DecodedStream::lacksTimes() {
+    const AVInputFormat& format = *input_->container()->iformat;
+    if (stream_->start_time != AV_NOPTS_VALUE && av_match_name("avi", format.name) == 0) {
+        return false;
+    }
+    constexpr int kPacketsTried = 32;
+    for (int i = 0; i < kPacketsTried; ++i) {
+        const PacketHandle packet = readPacket();
+        if (packet == nullptr) {
+            break;
+        }
+        if (packet->pts == AV_NOPTS_VALUE) {
+            return true;
+        }
+    }
+    rewind();
+    return false;
+}
+
+int DecodedStream::rewind() {
+    const int result = atStart_ ? 0 : openInput();
+    decodeFrom(nullptr);
+    return result;
+}
+
+int DecodedStream::seek(std::int64_t timestamp) {
+    atStart_ = false;
+    return input_->seekStream(stream_->index, timestamp);
+}
+
+int DecodedStream::seekToByte(std::int64_t position) {
+    atStart_ = false;
+    return input_->seekToByte(position);
+}
+
+PacketHandle DecodedStream::readPacket() {
+    atStart_ = false;
+    PacketHandle packet(av_packet_alloc());
+    while (packet != nullptr && input_->read(*packet) >= 0) {
+        if (packet->stream_index == stream_->index) {
+            return packet;
+        }
+        av_packet_unref(packet.get());
+    }
+    return nullptr;
+}
+
+void DecodedStream::decodeFrom(PacketHandle first) {
+    first_ = std::move(first);
+    atEnd_ = false;
+    times_ = {};
+    untimed_ = 0;
+    if (decoder_.isOpen()) {
+        decoder_.flush();
+    }
+}
+
+FrameHandle DecodedStream::next() {
+    for (;;) {
+        if (FrameHandle frame = decoder_.receive()) {
+            stamp(*frame);
+            return frame;
+        }
+        if (decoder_.hasEnded() || isRaised(stop_)) {
+            return nullptr;
+        }
+        decodeOne();
+    }
+}
+
+/// Gives the decoder the next packet, or tells it that there is none. After that, damage alone can
+/// be the reason that no frame came.
+void DecodedStream::decodeOne() {
+    if (atEnd_) {
+        ++damaged_;
+        return;
+    }
+    const PacketHandle packet = first_ != nullptr ? std::move(first_) : readPacket();
+    if (packet == nullptr) {
+        atEnd_ = true;
+        decoder_.sendEnd();
+        return;
+    }
+    if (timedByOrder_ && packet->size > 0) {
+        noteTime(*packet);
+    }
+    if (!decoder_.send(*packet)) {
+        ++damaged_;
+    }
+}
+
+void DecodedStream::noteTime(const AVPacket& packet) {    const bool hasTime = packet.dts != AV_NOPTS_VALUE;
+    times_.push(hasTime ? packet.dts : untimed_ * ticksPerPicture(*stream_));
+    ++untimed_;
+}
+
+void DecodedStream::stamp(AVFrame& frame) {
+    if (!timedByOrder_) {
+        frame.pts = frame.pts != AV_NOPTS_VALUE ? frame.pts : frame.best_effort_timestamp;
+    } else if (!times_.empty()) {
+        frame.pts = times_.top();
+        times_.pop();
+    }
+}
+
+} // namespace velmora

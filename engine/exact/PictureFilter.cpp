@@ -1,0 +1,230 @@
+#include "PictureFilter.h"
+
+#include "ColourConversion.h"
+#include "EngineLog.h"
+#include "PictureTurn.h"
+
+extern "C" {
+#include <libavfilter/avfilter.h>
+#include <libavfilter/buffersink.h>
+#include <libavfilter/buffersrc.h>
+#include <libavutil/pixdesc.h>
+}
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace velmora {
+namespace {
+
+struct FreeFilterLinks {
+    void operator()(AVFilterInOut* links) const noexcept { avfilter_inout_free(&links); }
+};
+using FilterLinks = std::unique_ptr<AVFilterInOut, FreeFilterLinks>;
+
+int even(std::int64_t length) {
+    return static_cast<int>(std::max<std::int64_t>((length + 1) / 2 * 2, 2));
+}
+
+AVRational positive(AVRational aspect) {
+    return aspect.num > 0 && aspect.den > 0 ? aspect : AVRational{1, 1};
+}
+
+/// The size in square pixels. None of the lengths gets smaller.
+PictureSize squareSize(std::int64_t width, std::int64_t height, AVRational aspect) {
+    if (aspect.num >= aspect.den) {
+        return {even(av_rescale(width, aspect.num, aspect.den)), even(height)};
+    }
+    return {even(width), even(av_rescale(height, aspect.den, aspect.num))};
+}
+
+/// The largest part of `room` that has the proportions of `shape`.
+PictureSize fitted(PictureSize shape, PictureSize room) {
+    const std::int64_t byWidth = av_rescale(shape.height, room.width, shape.width);
+    if (byWidth <= room.height) {
+        return {room.width, std::min(even(byWidth), room.height)};
+    }
+    return {std::min(even(av_rescale(shape.width, room.height, shape.height)), room.width),
+            room.height};
+}
+
+std::string text(PictureSize size) {
+    return std::to_string(size.width) + ":" + std::to_string(size.height);
+}
+
+} // namespace
+
+void FreeFilterGraph::operator()(AVFilterGraph* graph) const noexcept {
+    avfilter_graph_free(&graph);
+}
+
+bool PictureFilter::Form::operator==(const Form& other) const {
+    return size == other.size && format == other.format &&
+           av_cmp_q(positive(aspect), positive(other.aspect)) == 0 && transfer == other.transfer &&
+           primaries == other.primaries && interlaced == other.interlaced;
+}
+
+PictureSize uprightSize(AVFormatContext& container, AVStream& stream) {
+    const AVCodecParameters& coded = *stream.codecpar;
+    if (coded.width <= 0 || coded.height <= 0) {
+        return {};
+    }
+    const AVRational aspect =
+        positive(av_guess_sample_aspect_ratio(&container, &stream, nullptr));
+    PictureSize size = squareSize(coded.width, coded.height, aspect);
+    if (turnOf(stream).swapsSides) {
+        std::swap(size.width, size.height);
+    }
+    return size;
+}
+
+PictureFilter::PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size)
+    : container_(container), stream_(stream), size_(size) {}
+
+PictureFilter::~PictureFilter() = default;
+
+int PictureFilter::send(FrameHandle picture) {
+    const Form form = formOf(*picture);
+    if (graph_ == nullptr || !(form == form_)) {
+        if (graph_ != nullptr) {
+            sendEnd();
+        }
+        if (const int result = build(*picture, form); result < 0) {
+            logFailure("pictures", "filter", result);
+            return result;
+        }
+    }
+    return av_buffersrc_add_frame(source_, picture.get());
+}
+
+int PictureFilter::sendEnd() {
+    if (graph_ == nullptr) {
+        return 0;
+    }
+    const int result = av_buffersrc_add_frame(source_, nullptr);
+    while (FrameHandle picture = receiveFromGraph()) {
+        finished_.push_back(std::move(picture));
+    }
+    graph_.reset();
+    return result;
+}
+
+FrameHandle PictureFilter::receive() {
+    if (!finished_.empty()) {
+        FrameHandle picture = std::move(finished_.front());
+        finished_.pop_front();
+        return picture;
+    }
+    return graph_ != nullptr ? receiveFromGraph() : nullptr;
+}
+
+FrameHandle PictureFilter::receiveFromGraph() {
+    FrameHandle picture(av_frame_alloc());
+    if (picture == nullptr || av_buffersink_get_frame(sink_, picture.get()) < 0) {
+        return nullptr;
+    }
+    picture->pts =
+        av_rescale_q(picture->pts, av_buffersink_get_time_base(sink_), stream_.time_base);
+    picture->pict_type = AV_PICTURE_TYPE_NONE; // the encoder's choice, not the source's
+    return picture;
+}
+
+PictureFilter::Form PictureFilter::formOf(const AVFrame& picture) const {
+    return {.size = {picture.width, picture.height},
+            .format = picture.format,
+            .aspect = av_guess_sample_aspect_ratio(&container_, &stream_,
+                                                   const_cast<AVFrame*>(&picture)),
+            .transfer = picture.color_trc,
+            .primaries = picture.color_primaries,
+            // One that is, among others: the filter looks at each.
+            .interlaced = picture.interlaced_frame != 0 || form_.interlaced};
+}
+
+int PictureFilter::build(const AVFrame& picture, const Form& form) {
+    const bool isFirst = form_.format == AV_PIX_FMT_NONE;
+    form_ = form;
+    graph_.reset(avfilter_graph_alloc());
+    if (graph_ == nullptr) {
+        return AVERROR(ENOMEM);
+    }
+    source_ = avfilter_graph_alloc_filter(graph_.get(), avfilter_get_by_name("buffer"), "in");
+    std::unique_ptr<AVBufferSrcParameters, FreeByPointer<av_free>> parameters(
+        av_buffersrc_parameters_alloc());
+    if (source_ == nullptr || parameters == nullptr) {
+        return AVERROR(ENOMEM);
+    }
+    parameters->format = picture.format;
+    parameters->time_base = stream_.time_base;
+    parameters->width = picture.width;
+    parameters->height = picture.height;
+    parameters->sample_aspect_ratio = positive(form.aspect);
+    int result = av_buffersrc_parameters_set(source_, parameters.get());
+    if (result >= 0) {
+        result = avfilter_init_str(source_, nullptr);
+    }
+    if (result >= 0) {
+        result = avfilter_graph_create_filter(&sink_, avfilter_get_by_name("buffersink"), "out",
+                                              nullptr, nullptr, graph_.get());
+    }
+    return result < 0 ? result : connect(description(picture, isFirst));
+}
+
+int PictureFilter::connect(const std::string& filters) {
+    FilterLinks outputs(avfilter_inout_alloc());
+    FilterLinks inputs(avfilter_inout_alloc());
+    if (outputs == nullptr || inputs == nullptr) {
+        return AVERROR(ENOMEM);
+    }
+    outputs->name = av_strdup("in");
+    outputs->filter_ctx = source_;
+    inputs->name = av_strdup("out");
+    inputs->filter_ctx = sink_;
+    AVFilterInOut* openInputs = inputs.release();
+    AVFilterInOut* openOutputs = outputs.release();
+    const int result = avfilter_graph_parse_ptr(graph_.get(), filters.c_str(), &openInputs,
+                                                &openOutputs, nullptr);
+    inputs.reset(openInputs);
+    outputs.reset(openOutputs);
+    return result < 0 ? result : avfilter_graph_config(graph_.get(), nullptr);
+}
+
+std::string PictureFilter::description(const AVFrame& picture, bool isFirst) const {
+    const PictureTurn turn = turnOf(stream_);
+    PictureSize upright = squareSize(picture.width, picture.height, positive(form_.aspect));
+    PictureSize stored{picture.width, picture.height};
+    if (turn.swapsSides) {
+        std::swap(upright.width, upright.height);
+        std::swap(stored.width, stored.height);
+    }
+    const PictureSize fit = fitted(upright, size_);
+    std::string filters;
+    if (form_.interlaced && fit.height != stored.height) {
+        filters += "bwdif=mode=send_frame:deint=interlaced,";
+    }
+    filters += colourFilters(picture, isFirst);
+    filters += filtersOf(turn);
+    filters += "scale=" + text(fit) + ":flags=bicubic:out_range=tv" + matrixFor(picture) + ",";
+    if (fit != size_) {
+        const PictureSize bars{(size_.width - fit.width) / 4 * 2,
+                               (size_.height - fit.height) / 4 * 2};
+        filters += "pad=" + text(size_) + ":" + text(bars) + ",";
+    }
+    return filters + "setsar=1,format=yuv420p";
+}
+
+/// Colours that come as red, green and blue get the matrix that the output has.
+std::string PictureFilter::matrixFor(const AVFrame& picture) const {
+    const AVPixFmtDescriptor* format =
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
+    if (format == nullptr || (format->flags & AV_PIX_FMT_FLAG_RGB) == 0) {
+        return {};
+    }
+    AVCodecParameters parameters{};
+    parameters.format = picture.format;
+    return outputColours(parameters, size_.height).matrix == AVCOL_SPC_BT709
+               ? ":out_color_matrix=bt709"
+               : ":out_color_matrix=smpte170m";
+}
+
+} // namespace velmora

@@ -1,0 +1,130 @@
+#include "PictureReader.h"
+
+#include "FrameRate.h"
+#include "TimeBases.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora {
+namespace {
+
+
+std::int64_t timeOf(const AVPacket& packet) {
+    return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+}
+
+PacketHandle nextKeyPacket(DecodedStream& pictures) {
+    PacketHandle packet = pictures.readPacket();
+    while (packet != nullptr && (packet->flags & AV_PKT_FLAG_KEY) == 0) {
+        packet = pictures.readPacket();
+    }
+    return packet;
+}
+
+} // namespace
+
+int PictureReader::open() {
+    return pictures_.open();
+}
+
+int PictureReader::goTo(std::int64_t us) {
+    pending_.reset();
+    skipped_.reset();
+    lastTime_ = AV_NOPTS_VALUE;
+    if (!goToKeyFrameBefore(us)) {
+        if (const int result = pictures_.rewind(); result < 0) {
+            return result;
+        }
+    }
+    FrameHandle picture = nextInTime();
+    while (picture != nullptr && isBefore(*picture, us)) {
+        skipped_ = std::move(picture);
+        picture = nextInTime();
+    }
+    pending_ = std::move(picture);
+    return 0;
+}
+
+/// Finds the last key frame that is not shown after `us`, and from which the pictures can really be
+/// decoded. False: only the beginning of the file will do.
+bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
+    const AVRational timeBase = this->timeBase();
+    const std::int64_t wanted = av_rescale_q_rnd(us, kMicrosecond, timeBase, AV_ROUND_DOWN);
+    const std::int64_t begin = std::max(stream().start_time, av_rescale_q(input().startUs(),
+                                                                          kMicrosecond, timeBase));
+    if (pictures_.isTimedByOrder()) {
+        return false;
+    }
+    std::int64_t target = wanted;
+    // Most containers find the right place at once, or the one before it. One that does not is
+    // asked for places further and further back.
+    for (std::int64_t back = 1; target > begin; back = std::max(4 * back, INT64_C(1))) {
+        if (pictures_.seek(target) < 0) {
+            return false;
+        }
+        PacketHandle key = nextKeyPacket(pictures_);
+        const std::int64_t time = key != nullptr ? timeOf(*key) : AV_NOPTS_VALUE;
+        if (time != AV_NOPTS_VALUE && time <= wanted && startAt(std::move(key))) {
+            return true;
+        }
+        target = std::min(target, time != AV_NOPTS_VALUE ? time : target) - back;
+    }
+    return false;
+}
+
+/// Some key frames only begin a gradual refresh, after which pictures are whole again: nothing is
+/// shown of them. Whether the key frame itself is.
+bool PictureReader::startAt(PacketHandle key) {
+    const std::int64_t time = timeOf(*key);
+    pictures_.decodeFrom(std::move(key));
+    lastTime_ = AV_NOPTS_VALUE;
+    pending_ = nextInTime();
+    return pending_ != nullptr && pending_->pts <= time;
+}
+
+FrameHandle PictureReader::next() {
+    return nextInTime();
+}
+
+/// Pictures of which no time is known, or one that has been, cannot be told from the one before.
+FrameHandle PictureReader::nextInTime() {
+    if (pending_ != nullptr) {
+        return std::move(pending_);
+    }
+    FrameHandle picture = pictures_.next();
+    while (picture != nullptr &&
+           (picture->pts == AV_NOPTS_VALUE ||
+            (lastTime_ != AV_NOPTS_VALUE && picture->pts <= lastTime_))) {
+        picture = pictures_.next();
+    }
+    if (picture != nullptr) {
+        lastTime_ = picture->pts;
+    }
+    return picture;
+}
+
+FrameHandle PictureReader::pictureAt(std::int64_t us) {
+    if (goTo(us) < 0) {
+        return nullptr;
+    }
+    FrameHandle picture = nextInTime();
+    return picture != nullptr ? std::move(picture) : std::move(skipped_);
+}
+
+bool PictureReader::isBefore(const AVFrame& picture, std::int64_t us) const {
+    return av_compare_ts(picture.pts, timeBase(), us, kMicrosecond) < 0;
+}
+
+std::int64_t PictureReader::durationOf(const AVFrame& picture) const {
+    if (picture.pkt_duration > 0) {
+        return picture.pkt_duration;
+    }
+    const AVRational rate = correctedFrameRate(stream().r_frame_rate);
+    if (rate.num <= 0 || rate.den <= 0) {
+        return 1;
+    }
+    return std::max(av_rescale_q(1, av_inv_q(rate), timeBase()), INT64_C(1));
+}
+
+} // namespace velmora

@@ -1,0 +1,60 @@
+#include "PictureTiming.h"
+
+#include "FrameRate.h"
+
+extern "C" {
+#include <libavutil/mathematics.h>
+}
+
+#include <algorithm>
+#include <cstdlib>
+#include <numeric>
+
+namespace velmora {
+namespace {
+
+constexpr int kMostRate = 300; // pictures per second; what is above is a time base
+
+bool isRate(AVRational rate) {
+    return rate.num > 0 && rate.den > 0 && av_cmp_q(rate, {kMostRate, 1}) <= 0;
+}
+
+} // namespace
+
+PictureTiming::PictureTiming(const TimingRule& rule) : rule_(rule), hasGrid_(false) {
+    constexpr int kTicksBetween = 4; // with fewer, every time would be on the grid
+    hasGrid_ = isRate(rule.sourceRate) && av_rescale_q(1, av_inv_q(rule.sourceRate),
+                                                       rule.sourceTimeBase) >= kTicksBetween;
+}
+
+std::int64_t PictureTiming::at(std::int64_t ticks) const {
+    if (hasGrid_) {
+        const AVRational picture = av_inv_q(rule_.sourceRate);
+        const std::int64_t number = av_rescale_q(ticks, rule_.sourceTimeBase, picture);
+        const std::int64_t rounded = av_rescale_q(number, picture, rule_.sourceTimeBase);
+        if (std::llabs(rounded - ticks) <= 1) {
+            return av_rescale_q(number, picture, rule_.outputTimeBase);
+        }
+    }
+    return av_rescale_q(ticks, rule_.sourceTimeBase, rule_.outputTimeBase);
+}
+
+AVRational usualRate(AVRational realRate, AVRational meanRate) {
+    const AVRational corrected = correctedFrameRate(realRate);
+    if (isRate(corrected)) {
+        return corrected;
+    }
+    return isRate(meanRate) ? meanRate : AVRational{0, 1};
+}
+
+AVRational commonTimeBase(AVRational sourceTimeBase, AVRational rate, int most) {
+    const std::int64_t ofSource = sourceTimeBase.den;
+    const std::int64_t ofRate = rate.num > 0 ? rate.num : 1;
+    const std::int64_t both = std::lcm(ofSource, ofRate);
+    if (both <= most) {
+        return {1, static_cast<int>(both)};
+    }
+    return {1, static_cast<int>(std::max(most / ofRate, INT64_C(1)) * ofRate)};
+}
+
+} // namespace velmora
