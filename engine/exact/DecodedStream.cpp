@@ -54,8 +54,10 @@ int DecodedStream::openInput() {
     if (stream_ == nullptr) {
         return AVERROR_STREAM_NOT_FOUND;
     }
+    unrolls_ = ClockUnroller::isNeeded(*input_->container());
+    clock_ = {};
     for (AVStream* const other : streamsOf(*input_->container())) {
-        if (other != stream_) {
+        if (other != stream_ && !unrolls_) { // all streams tell of a jump
             other->discard = AVDISCARD_ALL;
         }
     }
@@ -90,19 +92,37 @@ int DecodedStream::rewind() {
 }
 
 int DecodedStream::seek(std::int64_t timestamp) {
+    if (unrolls_) {
+        return seekInTransport(timestamp);
+    }
     atStart_ = false;
     return input_->seekStream(stream_->index, timestamp);
 }
 
-int DecodedStream::seekToByte(std::int64_t position) {
+int DecodedStream::seekInTransport(std::int64_t timestamp) {
+    if (index_ == nullptr) {
+        index_ = std::make_unique<TransportIndex>(path_, stop_);
+        if (const int result = index_->open(stream_->index, kind_ == Kind::Sound); result < 0) {
+            index_.reset();
+            return result;
+        }
+    }
+    const auto place = index_->placeBefore(timestamp);
+    if (!place) {
+        return AVERROR(ERANGE);
+    }
     atStart_ = false;
-    return input_->seekToByte(position);
+    clock_ = place->clock;
+    return input_->seekToByte(place->position);
 }
 
 PacketHandle DecodedStream::readPacket() {
     atStart_ = false;
     PacketHandle packet(av_packet_alloc());
     while (packet != nullptr && input_->read(*packet) >= 0) {
+        if (unrolls_) {
+            clock_.apply(*packet);
+        }
         if (packet->stream_index == stream_->index) {
             return packet;
         }

@@ -2,6 +2,7 @@
 
 #include "Decoder.h"
 #include "InputMedia.h"
+#include "TransportIndex.h"
 
 #include <cstdint>
 #include <functional>
@@ -30,11 +31,9 @@ public:
 
     /// Goes to the beginning of the file. 0 or a negative code.
     int rewind();
-    /// Goes to a place that is not after `timestamp`, if the container can tell one. 0 or more, or
-    /// a negative code.
+    /// Goes to a place that is not after `timestamp`, if one can be told. 0 or more, or a negative
+    /// code. The first time, a transport stream is read up to there.
     int seek(std::int64_t timestamp);
-    int seekToByte(std::int64_t position);
-
     /// The next packet, without decoding it; null at the end.
     PacketHandle readPacket();
     /// What is decoded next begins with this packet, or with the next one if it is null.
@@ -50,6 +49,7 @@ public:
 
 private:
     int openInput();
+    int seekInTransport(std::int64_t timestamp);
     bool lacksTimes();
     void decodeOne();
     void noteTime(const AVPacket& packet);
@@ -59,6 +59,9 @@ private:
     const Kind kind_;
     const StopFlag* stop_;
     std::unique_ptr<InputMedia> input_;
+    std::unique_ptr<TransportIndex> index_; ///< made when it is needed
+    ClockUnroller clock_;
+    bool unrolls_ = false; ///< the clock may jump
     AVStream* stream_ = nullptr; ///< owned by the input
     Decoder decoder_;
     PacketHandle first_; ///< to be decoded before what is read
