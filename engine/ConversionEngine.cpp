@@ -53,8 +53,8 @@ void ConversionEngine::run() {
     run(Job(*this));
 }
 
-void ConversionEngine::run(const Job& job) {
-    mediaOperations().run(job, *this);
+RunReport ConversionEngine::run(const Job& job) {
+    return mediaOperations().run(job, *this);
 }
 
 std::int32_t ConversionEngine::snapshot() {

@@ -18,6 +18,7 @@ struct AVFrame;
 namespace velmora {
 
 struct Job;
+struct RunReport;
 
 /// A table of byte strings; each row is read up to its first NUL.
 using StringTable = std::vector<std::string>;
@@ -69,7 +70,7 @@ public:
     void run();
     /// Carries out a job that was copied from the table before; the table's plain fields are not
     /// read. For a thread of its own. Blocks until the job has ended or has been stopped.
-    void run(const Job& job);
+    RunReport run(const Job& job);
     /// Writes the first picture found at `startTimes`[`currentIndex`] of `probePath` to
     /// `snapshotPath`, 320 x 240. 0, or the libraries' negative code when the file cannot be opened
     /// or read. Blocks. The file stays open for the next picture until another one is asked for.

@@ -6,7 +6,10 @@
 #include "MediaOperations.h"
 #include "PreviewFile.h"
 #include "Probe.h"
+#include "PictureFile.h"
 #include "Run.h"
+#include "SourceReading.h"
+#include "WrittenFile.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -73,7 +76,14 @@ public:
     LibavOperations() { routeLibraryLog(); }
 
     std::int32_t probe(ConversionEngine& engine) override;
-    void run(const Job& job, ConversionEngine& engine) override;
+    RunReport run(const Job& job, ConversionEngine& engine) override;
+    SourceFacts readFacts(const std::string& path, const StopFlag& stop) override {
+        return velmora::readFacts(path, &stop);
+    }
+    std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
+                              const std::string& picturePath) override {
+        return velmora::writePicture(path, timeMs, picturePath);
+    }
     std::int32_t snapshot(ConversionEngine& engine) override;
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
     const char* codecName(std::int32_t codecId) override {
@@ -82,6 +92,8 @@ public:
     void setLogSink(LogSink sink) override { velmora::setLogSink(sink); }
 
 private:
+    static RunReport carryOut(const Job& job, ConversionEngine& engine);
+
     PreviewFile preview_;
     SampleAspectRatio sampleAspectRatio_;
 };
@@ -98,25 +110,38 @@ std::int32_t LibavOperations::probe(ConversionEngine& engine) {
     return results.code;
 }
 
-void LibavOperations::run(const Job& job, ConversionEngine& engine) {
+/// What the run tells goes to the log, too.
+RunReport LibavOperations::run(const Job& job, ConversionEngine& engine) {
+    RunReport report = carryOut(job, engine);
+    if (!report.finding.empty()) {
+        av_log(nullptr, AV_LOG_WARNING, "%s: %s\n", job.outputPaths.front().c_str(),
+               report.finding.c_str());
+    }
+    return report;
+}
+
+RunReport LibavOperations::carryOut(const Job& job, ConversionEngine& engine) {
     if (job.inputCount > static_cast<std::int32_t>(ConversionEngine::kMaxInputs)) {
         refuse(job, engine);
-        return;
+        return {};
     }
     EngineProgress progress(engine, job.inputCount);
     if (job.inputCount == 0) {
-        return;
+        return {};
     }
     try {
         if (job.exact) {
-            runExactly(job, progress, engine.stopRequested);
-        } else {
-            velmora::run(job, progress, engine.stopRequested);
+            return runExactly(job, progress, engine.stopRequested);
+        }
+        velmora::run(job, progress, engine.stopRequested);
+        if (engine.stopRequested == 0 && engine.fileStates[0] == ConversionEngine::Done) {
+            return {differenceOf(job)};
         }
     } catch (const std::exception& failure) { // without memory or threads
         av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());
         progress.failPending();
     }
+    return {};
 }
 
 std::int32_t LibavOperations::snapshot(ConversionEngine& engine) {

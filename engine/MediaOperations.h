@@ -1,9 +1,13 @@
 #pragma once
 
 #include "LogSink.h"
+#include "RunReport.h"
 #include "SampleAspectRatio.h"
+#include "SourceFacts.h"
+#include "StopFlag.h"
 
 #include <cstdint>
+#include <string>
 
 namespace velmora {
 
@@ -19,8 +23,14 @@ public:
 
     /// See ConversionEngine.
     virtual std::int32_t probe(ConversionEngine& engine) = 0;
-    virtual void run(const Job& job, ConversionEngine& engine) = 0;
+    virtual RunReport run(const Job& job, ConversionEngine& engine) = 0;
     virtual std::int32_t snapshot(ConversionEngine& engine) = 0;
+
+    /// See velmora::readFacts. On any thread.
+    virtual SourceFacts readFacts(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::writePicture. On any thread.
+    virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
+                                      const std::string& picturePath) = 0;
 
     /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
     virtual SampleAspectRatio sampleAspectRatio() const = 0;

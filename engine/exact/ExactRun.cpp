@@ -8,6 +8,7 @@
 #include "PictureWriter.h"
 #include "StreamDescription.h"
 #include "TimedSoundWriter.h"
+#include "WrittenFile.h"
 
 extern "C" {
 #include <libavutil/avstring.h>
@@ -44,7 +45,7 @@ public:
     ExactJob(const Job& job, RunProgress& progress, const StopFlag& stop)
         : job_(job), progress_(progress), stop_(stop) {}
 
-    void execute();
+    RunReport execute();
 
 private:
     int openInput();
@@ -58,6 +59,7 @@ private:
     int writeSound();
     int endInput();
     int finish();
+    std::string check() const;
 
     std::int64_t timeOf(std::int64_t sourceTicks) const { return begins_ + timing_->at(sourceTicks); }
     std::int64_t sampleAt(std::int64_t time) const {
@@ -89,18 +91,23 @@ private:
     bool isFirstPicture_ = true;
 };
 
-void ExactJob::execute() {
+RunReport ExactJob::execute() {
     const std::size_t count = job_.inputPaths.size();
     bool failed = false;
+    RunReport report;
     for (index_ = 0; index_ < count && !isStopped(); ++index_) {
         progress_.inputIs(index_);
         InputProgress progress(progress_, index_, job_.spanOf(index_), job_.joins);
         int result = failed ? AVERROR_EXTERNAL : writeInput(progress);
         if (result >= 0 && index_ + 1 == count && !isStopped()) {
             result = finish();
+            if (result >= 0) {
+                report.finding = check();
+                result = report.finding.empty() ? 0 : AVERROR_INVALIDDATA;
+            }
         }
         if (isStopped()) {
-            return;
+            return report;
         }
         if (result < 0) {
             failed = true; // without one of its inputs the output is not what was asked for
@@ -111,6 +118,14 @@ void ExactJob::execute() {
     if (!isStopped()) {
         progress_.inputIs(count);
     }
+    return report;
+}
+
+std::string ExactJob::check() const {
+    return differenceOf(job_.outputPaths[0], {.hasSound = sound_.has_value(),
+                                              .pictures = pictures_->count(),
+                                              .seconds = secondsAt(begins_),
+                                              .isExact = true});
 }
 
 int ExactJob::openInput() {
@@ -161,8 +176,10 @@ int ExactJob::addPictures() {
         job_.video.frameRate, usual.num > 0 ? usual : AVRational{25, 1}, job_.video.codec);
     // One of the encoders counts with 16 bits.
     const int mostTicks = job_.video.codec == AV_CODEC_ID_MPEG4 ? 65535 : 1'000'000;
+    // What comes after the first input may count in other ticks.
+    const int leastTicks = job_.joins ? 90'000 : 1;
     const AVRational grid = isConstant ? av_inv_q(duration) : usual;
-    pace_ = {.timeBase = commonTimeBase(source.time_base, grid, mostTicks),
+    pace_ = {.timeBase = commonTimeBase(source.time_base, grid, leastTicks, mostTicks),
              .constant = isConstant ? duration : AVRational{0, 1}};
     size_ = outputSize(job_.video, input_->media());
 
@@ -370,8 +387,8 @@ int ExactJob::finish() {
 
 } // namespace
 
-void runExactly(const Job& job, RunProgress& progress, const StopFlag& stop) {
-    ExactJob(job, progress, stop).execute();
+RunReport runExactly(const Job& job, RunProgress& progress, const StopFlag& stop) {
+    return ExactJob(job, progress, stop).execute();
 }
 
 } // namespace velmora

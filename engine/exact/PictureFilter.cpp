@@ -2,7 +2,7 @@
 
 #include "ColourConversion.h"
 #include "EngineLog.h"
-#include "PictureTurn.h"
+#include "DisplayMatrix.h"
 
 extern "C" {
 #include <libavfilter/avfilter.h>
@@ -23,8 +23,9 @@ struct FreeFilterLinks {
 };
 using FilterLinks = std::unique_ptr<AVFilterInOut, FreeFilterLinks>;
 
-int even(std::int64_t length) {
-    return static_cast<int>(std::max<std::int64_t>((length + 1) / 2 * 2, 2));
+/// The next multiple.
+int stepped(std::int64_t length, int step) {
+    return static_cast<int>(std::max<std::int64_t>((length + step - 1) / step, 1) * step);
 }
 
 AVRational positive(AVRational aspect) {
@@ -32,21 +33,36 @@ AVRational positive(AVRational aspect) {
 }
 
 /// The size in square pixels. None of the lengths gets smaller.
-PictureSize squareSize(std::int64_t width, std::int64_t height, AVRational aspect) {
+PictureSize squareSize(std::int64_t width, std::int64_t height, AVRational aspect, int step) {
     if (aspect.num >= aspect.den) {
-        return {even(av_rescale(width, aspect.num, aspect.den)), even(height)};
+        return {stepped(av_rescale(width, aspect.num, aspect.den), step), stepped(height, step)};
     }
-    return {even(width), even(av_rescale(height, aspect.den, aspect.num))};
+    return {stepped(width, step), stepped(av_rescale(height, aspect.den, aspect.num), step)};
 }
 
 /// The largest part of `room` that has the proportions of `shape`.
-PictureSize fitted(PictureSize shape, PictureSize room) {
+PictureSize fitted(PictureSize shape, PictureSize room, int step) {
     const std::int64_t byWidth = av_rescale(shape.height, room.width, shape.width);
     if (byWidth <= room.height) {
-        return {room.width, std::min(even(byWidth), room.height)};
+        return {room.width, std::min(stepped(byWidth, step), room.height)};
     }
-    return {std::min(even(av_rescale(shape.width, room.height, shape.height)), room.width),
-            room.height};
+    const std::int64_t byHeight = av_rescale(shape.width, room.height, shape.height);
+    return {std::min(stepped(byHeight, step), room.width), room.height};
+}
+
+/// The filters that turn a picture, each with a comma behind it.
+std::string filtersOf(const DisplayTurn& turn) {
+    std::string filters;
+    if (turn.swapsSides) {
+        filters += "transpose=dir=cclock_flip,"; // rows become columns, and nothing else
+    }
+    if (turn.flipsAcross) {
+        filters += "hflip,";
+    }
+    if (turn.flipsDown) {
+        filters += "vflip,";
+    }
+    return filters;
 }
 
 std::string text(PictureSize size) {
@@ -65,22 +81,24 @@ bool PictureFilter::Form::operator==(const Form& other) const {
            primaries == other.primaries && interlaced == other.interlaced;
 }
 
-PictureSize uprightSize(AVFormatContext& container, AVStream& stream) {
+PictureSize uprightSize(AVFormatContext& container, AVStream& stream,
+                        const PictureFormat& format) {
     const AVCodecParameters& coded = *stream.codecpar;
     if (coded.width <= 0 || coded.height <= 0) {
         return {};
     }
     const AVRational aspect =
         positive(av_guess_sample_aspect_ratio(&container, &stream, nullptr));
-    PictureSize size = squareSize(coded.width, coded.height, aspect);
-    if (turnOf(stream).swapsSides) {
+    PictureSize size = squareSize(coded.width, coded.height, aspect, format.step);
+    if (displayTurnOf(stream).swapsSides) {
         std::swap(size.width, size.height);
     }
     return size;
 }
 
-PictureFilter::PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size)
-    : container_(container), stream_(stream), size_(size) {}
+PictureFilter::PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size,
+                             const PictureFormat& format)
+    : container_(container), stream_(stream), size_(size), format_(format) {}
 
 PictureFilter::~PictureFilter() = default;
 
@@ -190,14 +208,15 @@ int PictureFilter::connect(const std::string& filters) {
 }
 
 std::string PictureFilter::description(const AVFrame& picture, bool isFirst) const {
-    const PictureTurn turn = turnOf(stream_);
-    PictureSize upright = squareSize(picture.width, picture.height, positive(form_.aspect));
+    const DisplayTurn turn = displayTurnOf(stream_);
+    PictureSize upright =
+        squareSize(picture.width, picture.height, positive(form_.aspect), format_.step);
     PictureSize stored{picture.width, picture.height};
     if (turn.swapsSides) {
         std::swap(upright.width, upright.height);
         std::swap(stored.width, stored.height);
     }
-    const PictureSize fit = fitted(upright, size_);
+    const PictureSize fit = fitted(upright, size_, format_.step);
     std::string filters;
     if (form_.interlaced && fit.height != stored.height) {
         filters += "bwdif=mode=send_frame:deint=interlaced,";
@@ -210,7 +229,7 @@ std::string PictureFilter::description(const AVFrame& picture, bool isFirst) con
                                (size_.height - fit.height) / 4 * 2};
         filters += "pad=" + text(size_) + ":" + text(bars) + ",";
     }
-    return filters + "setsar=1,format=yuv420p";
+    return filters + "setsar=1,format=" + av_get_pix_fmt_name(format_.pixels);
 }
 
 /// Colours that come as red, green and blue get the matrix that the output has.

@@ -22,18 +22,26 @@ struct PictureSize {
     bool operator==(const PictureSize&) const = default;
 };
 
-/// The size in which pictures of the stream are shown: upright and in square pixels, with an even
-/// number of both. 0 x 0 when the stream does not tell.
-PictureSize uprightSize(AVFormatContext& container, AVStream& stream);
+/// How pictures are stored.
+struct PictureFormat {
+    AVPixelFormat pixels = AV_PIX_FMT_YUV420P;
+    int step = 2; ///< width and height are multiples of it
+};
+
+/// The size in which pictures of the stream are shown: upright and in square pixels. 0 x 0 when the
+/// stream does not tell.
+PictureSize uprightSize(AVFormatContext& container, AVStream& stream,
+                        const PictureFormat& format = {});
 
 /// Brings the pictures of one source into the form of an output, without changing their times:
-/// upright, fitted into the size with bars, square pixels, 8 bits in 4:2:0 and in the range and the
+/// upright, fitted into the size with bars, square pixels, in 8 bits and in the range and the
 /// colours that every player knows. Interlaced pictures are made progressive where their height
 /// changes. Belongs to one thread; works with all cores.
 class PictureFilter {
 public:
     /// `stream` tells how pictures are turned and shaped; it outlives this object.
-    PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size);
+    PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size,
+                  const PictureFormat& format = {});
     PictureFilter(const PictureFilter&) = delete;
     PictureFilter& operator=(const PictureFilter&) = delete;
     ~PictureFilter();
@@ -67,6 +75,7 @@ private:
     AVFormatContext& container_;
     AVStream& stream_;
     const PictureSize size_;
+    const PictureFormat format_;
     FilterGraphHandle graph_;
     AVFilterContext* source_ = nullptr; ///< owned by the graph
     AVFilterContext* sink_ = nullptr;   ///< owned by the graph

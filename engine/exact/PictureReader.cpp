@@ -87,21 +87,22 @@ FrameHandle PictureReader::next() {
     return nextInTime();
 }
 
-/// Pictures of which no time is known, or one that has been, cannot be told from the one before.
+/// A picture without a time follows the one before it; one whose time has been cannot be shown.
 FrameHandle PictureReader::nextInTime() {
     if (pending_ != nullptr) {
         return std::move(pending_);
     }
-    FrameHandle picture = pictures_.next();
-    while (picture != nullptr &&
-           (picture->pts == AV_NOPTS_VALUE ||
-            (lastTime_ != AV_NOPTS_VALUE && picture->pts <= lastTime_))) {
-        picture = pictures_.next();
+    while (FrameHandle picture = pictures_.next()) {
+        if (picture->pts == AV_NOPTS_VALUE && lastTime_ != AV_NOPTS_VALUE) {
+            picture->pts = lastTime_ + durationOf(*picture);
+        }
+        if (picture->pts != AV_NOPTS_VALUE &&
+            (lastTime_ == AV_NOPTS_VALUE || picture->pts > lastTime_)) {
+            lastTime_ = picture->pts;
+            return picture;
+        }
     }
-    if (picture != nullptr) {
-        lastTime_ = picture->pts;
-    }
-    return picture;
+    return nullptr;
 }
 
 FrameHandle PictureReader::pictureAt(std::int64_t us) {

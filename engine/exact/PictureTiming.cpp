@@ -47,14 +47,14 @@ AVRational usualRate(AVRational realRate, AVRational meanRate) {
     return isRate(meanRate) ? meanRate : AVRational{0, 1};
 }
 
-AVRational commonTimeBase(AVRational sourceTimeBase, AVRational rate, int most) {
+AVRational commonTimeBase(AVRational sourceTimeBase, AVRational rate, int least, int most) {
     const std::int64_t ofSource = sourceTimeBase.den;
     const std::int64_t ofRate = rate.num > 0 ? rate.num : 1;
     const std::int64_t both = std::lcm(ofSource, ofRate);
-    if (both <= most) {
-        return {1, static_cast<int>(both)};
-    }
-    return {1, static_cast<int>(std::max(most / ofRate, INT64_C(1)) * ofRate)};
+    const std::int64_t common = both <= most ? both : ofRate;
+    const std::int64_t wanted = both <= most ? std::min(least, most) : most;
+    const std::int64_t multiple = common < wanted ? wanted / common : 1;
+    return {1, static_cast<int>(multiple * common)};
 }
 
 } // namespace velmora

@@ -35,7 +35,8 @@ private:
 AVRational usualRate(AVRational realRate, AVRational meanRate);
 
 /// A time base in which both times of the source and those of the rate are whole ticks, if such a
-/// one has at most `most` ticks in a second; else one in which those of the rate are.
-AVRational commonTimeBase(AVRational sourceTimeBase, AVRational rate, int most);
+/// one has at most `most` ticks in a second; else one in which those of the rate are. It has at
+/// least `least` ticks in a second, if it can.
+AVRational commonTimeBase(AVRational sourceTimeBase, AVRational rate, int least, int most);
 
 } // namespace velmora

@@ -3,6 +3,7 @@
 
 #include "ConversionEngine.h"
 #include "Job.h"
+#include "MediaOperations.h"
 #include "ParseNumber.h"
 #include "ReencodeSettings.h"
 
@@ -44,6 +45,7 @@ using Arguments = std::span<char*>;
 constexpr std::string_view kUsageText = R"(usage:
   velmora-engine probe FILE
   velmora-engine snapshot FILE SECONDS OUT.bmp [--repeat N]
+  velmora-engine picture FILE SECONDS OUT.png
   velmora-engine cut FILE START END OUT [--exact] [--reencode SETTING...]
   velmora-engine join OUT FILE FILE... [--exact] [--reencode SETTING...]
 settings, with their defaults:
@@ -119,6 +121,22 @@ int snapshot(Arguments arguments) {
     return code == 0 ? kSuccess : kFailure;
 }
 
+std::int64_t milliseconds(double seconds) {
+    constexpr double kMsPerSecond = 1000.0;
+    return std::llround(seconds * kMsPerSecond);
+}
+
+int picture(Arguments arguments) {
+    const auto seconds = arguments.size() == 3 ? parseNumber<double>(arguments[1]) : std::nullopt;
+    if (!seconds) {
+        return usage();
+    }
+    const int code = velmora::mediaOperations().writePicture(arguments[0], milliseconds(*seconds),
+                                                             arguments[2]);
+    print({{"code", code}});
+    return code == 0 ? kSuccess : kFailure;
+}
+
 void requestStop(int /*signal*/) {
     ConversionEngine::instance().stopRequested = 1;
 }
@@ -146,10 +164,11 @@ int runJob(Job job, const std::optional<ReencodeSettings>& settings) {
     ConversionEngine& engine = ConversionEngine::instance();
     load(engine, job);
     std::signal(SIGINT, requestStop);
+    velmora::RunReport report;
     {
         const std::jthread progress(
             [&engine](const std::stop_token& ended) { reportProgress(engine, ended); });
-        engine.run(job);
+        report = engine.run(job);
     }
     json states = json::array();
     bool allDone = true;
@@ -158,9 +177,13 @@ int runJob(Job job, const std::optional<ReencodeSettings>& settings) {
         states.push_back(state);
         allDone = allDone && state == ConversionEngine::Done;
     }
-    print({{"fileStates", states},
-           {"currentIndex", engine.currentIndex.load()},
-           {"currentPercent", engine.currentPercent.load()}});
+    json result{{"fileStates", states},
+                {"currentIndex", engine.currentIndex.load()},
+                {"currentPercent", engine.currentPercent.load()}};
+    if (!report.finding.empty()) {
+        result["finding"] = report.finding;
+    }
+    print(result);
     return allDone ? kSuccess : kFailure;
 }
 
@@ -193,11 +216,6 @@ std::optional<JobArguments> split(Arguments arguments) {
         }
     }
     return withoutExact({Arguments(arguments.begin(), option), false, settings});
-}
-
-std::int64_t milliseconds(double seconds) {
-    constexpr double kMsPerSecond = 1000.0;
-    return std::llround(seconds * kMsPerSecond);
 }
 
 int cut(Arguments arguments) {
@@ -257,6 +275,9 @@ int command(Arguments arguments) {
     }
     if (name == "snapshot") {
         return snapshot(rest);
+    }
+    if (name == "picture") {
+        return picture(rest);
     }
     if (name == "cut") {
         return cut(rest);

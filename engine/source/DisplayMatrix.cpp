@@ -1,4 +1,4 @@
-#include "PictureTurn.h"
+#include "DisplayMatrix.h"
 
 #include <array>
 #include <cstdlib>
@@ -23,7 +23,7 @@ bool readMatrix(const AVStream& stream, Matrix& matrix) {
 } // namespace
 
 /// A place (x, y) of the stored picture is shown at (a x + c y, b x + d y).
-PictureTurn turnOf(const AVStream& stream) {
+DisplayTurn displayTurnOf(const AVStream& stream) {
     Matrix matrix{};
     if (!readMatrix(stream, matrix)) {
         return {};
@@ -32,25 +32,19 @@ PictureTurn turnOf(const AVStream& stream) {
     const std::int64_t b = matrix[1];
     const std::int64_t c = matrix[3];
     const std::int64_t d = matrix[4];
-    PictureTurn turn;
+    DisplayTurn turn;
     turn.swapsSides = std::llabs(b) + std::llabs(c) > std::llabs(a) + std::llabs(d);
     turn.flipsAcross = turn.swapsSides ? c < 0 : a < 0;
     turn.flipsDown = turn.swapsSides ? b < 0 : d < 0;
     return turn;
 }
 
-std::string filtersOf(const PictureTurn& turn) {
-    std::string filters;
-    if (turn.swapsSides) {
-        filters += "transpose=dir=cclock_flip,"; // rows become columns, and nothing else
+int DisplayTurn::quarterTurns() const {
+    const bool across = isMirrored() ? !flipsAcross : flipsAcross;
+    if (swapsSides) {
+        return across ? 1 : 3;
     }
-    if (turn.flipsAcross) {
-        filters += "hflip,";
-    }
-    if (turn.flipsDown) {
-        filters += "vflip,";
-    }
-    return filters;
+    return across ? 2 : 0;
 }
 
 } // namespace velmora

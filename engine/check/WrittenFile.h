@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Job.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+/// What a written file should be.
+struct WrittenPlan {
+    bool hasSound = false;
+    std::optional<std::int64_t> pictures; ///< how many; nothing: not counted
+    double seconds = 0;                   ///< how long; 0: not known
+    bool isExact = false; ///< to the picture; else what a copy of packets can be expected to give
+};
+
+/// Opens the file again and looks whether it is what was planned: whether it opens and has its
+/// streams, whether its first and its last picture can be shown, how many pictures it has and how
+/// long it is. What differs, as one sentence; empty when nothing does.
+std::string differenceOf(const std::string& path, const WrittenPlan& plan);
+
+/// The same for what a job that is not exact has written: its length is that of the
+/// marked stretch, or of all inputs of a join, within a second and a tenth of it.
+std::string differenceOf(const Job& job);
+
+} // namespace velmora

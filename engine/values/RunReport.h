@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace velmora {
+
+/// What is to be told of a run besides the states of its inputs.
+struct RunReport {
+    /// One sentence on how the written file differs from what was to be written; empty when it does
+    /// not, or when there is none.
+    std::string finding;
+};
+
+} // namespace velmora
