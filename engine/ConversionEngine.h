@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RunReport.h"
+
 extern "C" {
 #include <libavutil/pixfmt.h>
 }
@@ -18,7 +20,6 @@ struct AVFrame;
 namespace velmora {
 
 struct Job;
-struct RunReport;
 
 /// A table of byte strings; each row is read up to its first NUL.
 using StringTable = std::vector<std::string>;

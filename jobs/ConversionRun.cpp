@@ -3,11 +3,33 @@
 #include "ConversionEngine.h"
 #include "Job.h"
 #include "PlatformLog.h"
+#include "RunLog.h"
 
 #include <cassert>
 #include <exception>
+#include <utility>
 
 namespace velmora {
+namespace {
+
+/// What the log of a run begins with.
+QString describe(const Job& job) {
+    QStringList inputs;
+    for (std::size_t i = 0; i < job.inputPaths.size(); ++i) {
+        inputs += QString::fromStdString(job.inputPaths[i]);
+        if (!job.joins) {
+            const double start = job.startSeconds[i];
+            inputs.back() +=
+                QString::asprintf(", %.3f s to %.3f s", start, start + job.spanSeconds[i]);
+        }
+    }
+    const QString mode = !job.reencodes ? "copied" : job.exact ? "re-encoded, exact" : "re-encoded";
+    return QString("%1 (%2) of\n%3")
+        .arg(job.outputPaths.empty() ? QString() : QString::fromStdString(job.outputPaths.front()),
+             mode, inputs.join('\n'));
+}
+
+} // namespace
 
 ConversionRun::ConversionRun(const ConverterInfo& job)
     : items_(sharedFileList ? *sharedFileList : FileList()), request_(RunRequest::of(job)) {}
@@ -25,7 +47,10 @@ void ConversionRun::start() {
     // Before there is a thread: whatever is probed from now on writes to the same tables.
     ConverterThread::fill(request_);
     try {
-        worker_ = std::thread([this, job = Job(ConversionEngine::instance())] { work(job); });
+        Job job(ConversionEngine::instance());
+        ConverterThread::addExactPart(request_, job);
+        RunLog::instance().begin(describe(job));
+        worker_ = std::thread([this, job = std::move(job)] { work(job); });
     } catch (const std::exception& failure) {
         platformLog(QString("the run cannot be started: %1").arg(failure.what()));
         state_ = State::NotStarted;
@@ -33,7 +58,7 @@ void ConversionRun::start() {
 }
 
 void ConversionRun::work(const Job& job) {
-    ConversionEngine::instance().run(job);
+    report_ = ConversionEngine::instance().run(job);
     State atWork = State::Running;
     if (!state_.compare_exchange_strong(atWork, State::Ended)) {
         assert(atWork == State::Stopping);

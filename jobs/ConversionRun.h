@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ConverterThread.h"
+#include "RunReport.h"
 #include "SharedState.h"
 
 #include <QElapsedTimer>
@@ -58,6 +59,8 @@ public:
     /// The items that the results are for.
     const FileList& items() const { return items_; }
     bool joins() const { return request_.job.isCutter == 0; }
+    /// What is to be told of it; once it is over.
+    const RunReport& report() const { return report_; }
     /// Since it was started.
     std::int64_t passedMs() const { return sinceStart_.elapsed(); }
 
@@ -66,6 +69,7 @@ private:
 
     FileList items_;
     RunRequest request_;
+    RunReport report_; ///< by the worker, before it says that it is done
     QElapsedTimer sinceStart_;
     std::atomic<State> state_{State::Waiting}; ///< by the worker when it touches nothing any more
     std::thread worker_;

@@ -13,6 +13,9 @@ struct ConverterInfo {
     std::int32_t isCutter = 0;   ///< 1: each item is cut; 0: all items are joined
     std::int32_t width = 0;      ///< pixels, as the panel parsed it; a run takes the setting's
     std::int32_t height = 0;     ///< pixels, likewise
+    bool exact = false;          ///< what was marked is what is written
+    std::int64_t startMs = 0;    ///< of an exact cut
+    std::int64_t endMs = 0;      ///< likewise
 };
 
 } // namespace velmora

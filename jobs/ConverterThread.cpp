@@ -109,6 +109,14 @@ void ConverterThread::fill(const RunRequest& request) {
     load(engine, jobOf(request));
 }
 
+void ConverterThread::addExactPart(const RunRequest& request, Job& job) {
+    const ConverterInfo& asked = request.job;
+    job.exact = asked.exact;
+    if (job.exact && !job.joins) {
+        job.windows.assign(request.items.size(), {asked.startMs, asked.endMs});
+    }
+}
+
 void ConverterThread::copyProbeToSetting() {
     if (!currentSetting) {
         return;

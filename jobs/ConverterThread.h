@@ -11,6 +11,8 @@
 
 namespace velmora {
 
+struct Job;
+
 /// All that a run reads of the program's state, as copies: the windows may go on changing theirs,
 /// and what they probe changes the engine's codecs.
 struct RunRequest {
@@ -35,6 +37,8 @@ public:
     /// Fills the engine's tables, settings and counters from the request; a request to stop that
     /// was meant for an earlier run is forgotten. Main thread, while the engine carries out no run.
     static void fill(const RunRequest& request);
+    /// What the engine's tables have no place for: whether the job is exact, and its windows.
+    static void addExactPart(const RunRequest& request, Job& job);
 
     /// Copies the parameters that the engine has probed into the current setting, in the engine's
     /// units: bit/s, and libavcodec's names of codecs. Main thread.

@@ -15,8 +15,8 @@ namespace {
 constexpr int kPacketsRead = 600; // of all streams: many seconds, in a few milliseconds
 constexpr std::size_t kFewestTimes = 8;
 
-/// Whether the intervals differ by more than the rounding of a coarse time base, and by so much that
-/// one sees it.
+/// Whether the intervals differ by more than the rounding of a coarse time base, and by so much
+/// that one sees it.
 bool vary(std::vector<std::int64_t>& times, AVRational timeBase) {
     constexpr double kSeen = 0.1; // of an interval
     if (times.size() < kFewestTimes) {
@@ -51,11 +51,15 @@ std::vector<std::int64_t> indexedTimes(AVStream& stream) {
     return times;
 }
 
+/// Empty where not every picture has a time of its own.
 std::vector<std::int64_t> readTimes(InputMedia& input) {
     std::vector<std::int64_t> times;
     const PacketHandle packet(av_packet_alloc());
     for (int i = 0; i < kPacketsRead && packet != nullptr && input.read(*packet) >= 0; ++i) {
-        if (packet->stream_index == input.videoStreamIndex() && packet->pts != AV_NOPTS_VALUE) {
+        if (packet->stream_index == input.videoStreamIndex()) {
+            if (packet->pts == AV_NOPTS_VALUE) {
+                return {};
+            }
             times.push_back(packet->pts);
         }
         av_packet_unref(packet.get());

@@ -1,22 +1,25 @@
 #include "WrittenFile.h"
 
 #include "Decoder.h"
+#include "EngineLog.h"
 #include "InputMedia.h"
 #include "SourceReading.h"
+#include "TimeBases.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <numeric>
+#include <utility>
 
 namespace velmora {
 namespace {
 
 // Files up to this size are read to count their pictures, if their index does not tell.
 constexpr std::int64_t kReadToCount = 32LL * 1024 * 1024;
-// A longer group of pictures is not decoded to its end.
-constexpr int kPicturesDecoded = 16;
+// More than any decoder holds back at one thread, few enough to cost next to nothing.
+constexpr int kPicturesDecoded = 20;
 
 /// "2.8 s".
 std::string text(double seconds) {
@@ -25,33 +28,68 @@ std::string text(double seconds) {
     return digits.data();
 }
 
-/// Decodes pictures from where reading is; whether there was one.
-bool showsPicture(InputMedia& input, int most) {
-    Decoder decoder;
-    if (decoder.open(*input.videoStream(), input.path(), Decoder::Threads::AllCores) < 0) {
-        return false;
-    }
-    bool shown = false;
-    const PacketHandle packet(av_packet_alloc());
-    for (int taken = 0; packet != nullptr && taken < most && input.read(*packet) >= 0;) {
+PacketHandle nextPicturePacket(InputMedia& input) {
+    PacketHandle packet(av_packet_alloc());
+    while (packet != nullptr && input.read(*packet) >= 0) {
         if (packet->stream_index == input.videoStreamIndex()) {
-            ++taken;
-            decoder.send(*packet);
-            shown = decoder.receive() != nullptr || shown;
+            return packet;
         }
         av_packet_unref(packet.get());
     }
-    decoder.sendEnd();
-    return decoder.receive() != nullptr || shown;
+    return nullptr;
 }
 
+/// Decodes this packet and those behind it until a picture is shown; null: none of the first is.
+FrameHandle shownFrom(InputMedia& input, PacketHandle packet) {
+    const ExpectedLogLines quiet(ExpectedLogLines::Kind::Everything);
+    Decoder decoder;
+    if (decoder.open(*input.videoStream(), input.path()) < 0) {
+        return nullptr;
+    }
+    for (int i = 0; i < kPicturesDecoded && packet != nullptr; ++i) {
+        decoder.send(*packet);
+        if (FrameHandle picture = decoder.receive()) {
+            return picture;
+        }
+        packet = nextPicturePacket(input);
+    }
+    decoder.sendEnd();
+    return decoder.receive();
+}
+
+/// Whether the very first packet is shown: a player that finds one it cannot decode shows nothing,
+/// or grey.
+bool showsFirstPicture(InputMedia& input) {
+    PacketHandle first = nextPicturePacket(input);
+    if (first == nullptr) {
+        return false;
+    }
+    const std::int64_t time = first->pts;
+    const FrameHandle picture = shownFrom(input, std::move(first));
+    return picture != nullptr &&
+           (time == AV_NOPTS_VALUE || picture->pts == AV_NOPTS_VALUE || picture->pts <= time);
+}
+
+/// From the last key frame on. In the rare file in which that cannot be found the first picture has
+/// told enough.
 bool showsLastPicture(InputMedia& input) {
     const AVStream& pictures = *input.videoStream();
-    const std::int64_t end = pictures.duration > 0 ? pictures.start_time + pictures.duration
-                                                   : av_rescale_q(input.startUs() + input.container()->duration,
-                                                                  {1, AV_TIME_BASE}, pictures.time_base);
-    // In the rare file in which nothing can be found the first picture has told enough.
-    return input.seekStream(pictures.index, end) < 0 || showsPicture(input, kPicturesDecoded);
+    const std::int64_t endUs = input.startUs() + input.container()->duration;
+    for (const std::int64_t backUs : {INT64_C(0), INT64_C(2'000'000), INT64_C(10'000'000)}) {
+        const std::int64_t from = av_rescale_q(std::max(endUs - backUs, input.startUs()),
+                                               kMicrosecond, pictures.time_base);
+        if (input.seekStream(pictures.index, from) < 0) {
+            return true;
+        }
+        PacketHandle packet = nextPicturePacket(input);
+        while (packet != nullptr && (packet->flags & AV_PKT_FLAG_KEY) == 0) {
+            packet = nextPicturePacket(input);
+        }
+        if (packet != nullptr) {
+            return shownFrom(input, std::move(packet)) != nullptr;
+        }
+    }
+    return true;
 }
 
 std::optional<std::int64_t> countPictures(const std::string& path) {
@@ -66,10 +104,8 @@ std::optional<std::int64_t> countPictures(const std::string& path) {
         return std::nullopt;
     }
     std::int64_t count = 0;
-    const PacketHandle packet(av_packet_alloc());
-    while (packet != nullptr && input.read(*packet) >= 0) {
-        count += packet->stream_index == input.videoStreamIndex() && packet->size > 0 ? 1 : 0;
-        av_packet_unref(packet.get());
+    while (const PacketHandle packet = nextPicturePacket(input)) {
+        count += packet->size > 0 ? 1 : 0;
     }
     return count;
 }
@@ -106,7 +142,7 @@ std::string openingDifference(InputMedia& input, const WrittenPlan& plan) {
     if (plan.hasSound && input.audioStream() == nullptr) {
         return "The written file has no sound.";
     }
-    if (!showsPicture(input, kPicturesDecoded)) {
+    if (!showsFirstPicture(input)) {
         return "The first picture of the written file cannot be shown.";
     }
     return showsLastPicture(input) ? "" : "The last picture of the written file cannot be shown.";
@@ -126,9 +162,9 @@ std::string causeOf(const Job& job) {
 /// Of all inputs of a join, which are told in thousandths; of the stretch that a cut takes.
 double plannedSeconds(const Job& job) {
     constexpr double kPartsOfLength = 1000.0;
-    return job.joins ? kPartsOfLength *
-                           std::accumulate(job.endSeconds.begin(), job.endSeconds.end(), 0.0)
-                     : job.spanSeconds.front();
+    return job.joins
+               ? kPartsOfLength * std::accumulate(job.endSeconds.begin(), job.endSeconds.end(), 0.0)
+               : job.spanSeconds.front();
 }
 
 /// A cut beyond the end of its source takes what there is.
@@ -177,8 +213,9 @@ std::string differenceOf(const Job& job) {
         return {};
     }
     const std::string told = "The file is " + text(secondsOf(written)) + " long, ";
-    return told + (job.joins ? "its parts are " + text(plan.seconds) + " together"
-                             : text(plan.seconds) + " were marked") +
+    return told +
+           (job.joins ? "its parts are " + text(plan.seconds) + " together"
+                      : text(plan.seconds) + " were marked") +
            causeOf(job);
 }
 

@@ -54,8 +54,8 @@ void Decoder::sendEnd() {
 
 FrameHandle Decoder::receive() {
     FrameHandle frame(av_frame_alloc());
-    received_ = frame != nullptr ? avcodec_receive_frame(context_.get(), frame.get())
-                                 : AVERROR(ENOMEM);
+    received_ =
+        frame != nullptr ? avcodec_receive_frame(context_.get(), frame.get()) : AVERROR(ENOMEM);
     return received_ >= 0 ? std::move(frame) : nullptr;
 }
 

@@ -8,8 +8,8 @@
 namespace velmora {
 
 /// Encodes the pictures of an output, from the job's first input to its last. There are no
-/// B-frames, and groups have 12 pictures. Nothing of a source's extradata, block or frame sizes gets
-/// here.
+/// B-frames, and groups have 12 pictures. Nothing of a source's extradata, block or frame sizes
+/// gets here.
 ///
 /// Opened with a frame duration, it counts its pictures: one picture in, at most one packet out.
 /// What the encoder still holds at the end is never written. H.264 is encoded in four slices, which

@@ -26,9 +26,10 @@ bool ClockUnroller::isNeeded(const AVFormatContext& container) {
 }
 
 ClockUnroller::Stream& ClockUnroller::streamOf(int index) {
-    auto* const found = std::find_if(streams_.begin(), streams_.end(), [index](const Stream& known) {
-        return known.index == index || known.index < 0;
-    });
+    auto* const found =
+        std::find_if(streams_.begin(), streams_.end(), [index](const Stream& known) {
+            return known.index == index || known.index < 0;
+        });
     Stream& stream = found != streams_.end() ? *found : streams_.back();
     stream.index = index;
     return stream;

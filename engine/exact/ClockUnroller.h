@@ -8,9 +8,9 @@
 
 namespace velmora {
 
-/// Makes one time line of a transport stream whose clock jumps, as it does where recordings were put
-/// together or a sender started anew. All of its streams go by one clock: where a packet of one of
-/// them does not follow the one before, the clock has jumped, and what comes next goes on from
+/// Makes one time line of a transport stream whose clock jumps, as it does where recordings were
+/// put together or a sender started anew. All of its streams go by one clock: where a packet of one
+/// of them does not follow the one before, the clock has jumped, and what comes next goes on from
 /// there. Around the jump the packets of the other stream may still have the old clock.
 ///
 /// Has to see all packets of both streams, in the file's order. It can be copied, and so go on from

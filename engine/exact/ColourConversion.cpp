@@ -16,8 +16,7 @@ bool isWide(AVColorPrimaries primaries, AVColorTransferCharacteristic transfer) 
 }
 
 bool isRgb(int format) {
-    const AVPixFmtDescriptor* description =
-        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(format));
+    const AVPixFmtDescriptor* description = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(format));
     return description != nullptr && (description->flags & AV_PIX_FMT_FLAG_RGB) != 0;
 }
 
@@ -27,9 +26,9 @@ std::string inputOf(const AVFrame& picture) {
     const bool isHlg = picture.color_trc == AVCOL_TRC_ARIB_STD_B67;
     const bool isPq = picture.color_trc == AVCOL_TRC_SMPTE2084;
     const std::string transfer = isPq ? "smpte2084" : isHlg ? "arib-std-b67" : "bt709";
-    const std::string matrix =
-        isRgb(picture.format) ? "gbr"
-                              : (picture.colorspace == AVCOL_SPC_BT709 ? "709" : "2020_ncl");
+    const std::string matrix = isRgb(picture.format)
+                                   ? "gbr"
+                                   : (picture.colorspace == AVCOL_SPC_BT709 ? "709" : "2020_ncl");
     return "pin=2020:tin=" + transfer + ":min=" + matrix + ":rin=" + (isFull ? "full" : "limited");
 }
 

@@ -31,7 +31,8 @@ int DecodedStream::open() {
     if (result < 0) {
         return result;
     }
-    if (kind_ == Kind::Pictures && lacksTimes()) {        timedByOrder_ = true;
+    if (kind_ == Kind::Pictures && lacksTimes()) {
+        timedByOrder_ = true;
         result = openInput();
     }
     if (result >= 0) {
@@ -175,7 +176,8 @@ void DecodedStream::decodeOne() {
     }
 }
 
-void DecodedStream::noteTime(const AVPacket& packet) {    const bool hasTime = packet.dts != AV_NOPTS_VALUE;
+void DecodedStream::noteTime(const AVPacket& packet) {
+    const bool hasTime = packet.dts != AV_NOPTS_VALUE;
     times_.push(hasTime ? packet.dts : untimed_ * ticksPerPicture(*stream_));
     ++untimed_;
 }

@@ -61,7 +61,7 @@ private:
     std::unique_ptr<InputMedia> input_;
     std::unique_ptr<TransportIndex> index_; ///< made when it is needed
     ClockUnroller clock_;
-    bool unrolls_ = false; ///< the clock may jump
+    bool unrolls_ = false;       ///< the clock may jump
     AVStream* stream_ = nullptr; ///< owned by the input
     Decoder decoder_;
     PacketHandle first_; ///< to be decoded before what is read

@@ -29,8 +29,7 @@ int ExactInput::open() {
     std::int64_t startUs = INT64_MIN / 4;
     if (window_) {
         startUs = onTimeLine(window_->startMs, media) - kHalfMsUs;
-        const bool toTheEnd =
-            lengthUs > 0 && window_->endMs >= (lengthUs - kUsPerMs) / kUsPerMs;
+        const bool toTheEnd = lengthUs > 0 && window_->endMs >= (lengthUs - kUsPerMs) / kUsPerMs;
         if (!toTheEnd) {
             endUs_ = onTimeLine(window_->endMs, media);
         }
@@ -48,8 +47,8 @@ int ExactInput::open() {
 }
 
 bool ExactInput::isInWindow(const AVFrame& picture) const {
-    return !endUs_ || av_compare_ts(picture.pts, pictures_.timeBase(), *endUs_ - kHalfMsUs,
-                                    kMicrosecond) < 0;
+    return !endUs_ ||
+           av_compare_ts(picture.pts, pictures_.timeBase(), *endUs_ - kHalfMsUs, kMicrosecond) < 0;
 }
 
 bool ExactInput::openSound(const AudioFormat& format) {
@@ -82,8 +81,7 @@ FrameHandle ExactInput::nextOfWindow() {
 ExactInput::Shown ExactInput::nextPicture(PictureSize size) {
     if (filter_ == nullptr) {
         filter_ = std::make_unique<PictureFilter>(
-            *media().container(),
-            *media().container()->streams[pictures_.stream().index], size);
+            *media().container(), *media().container()->streams[pictures_.stream().index], size);
     }
     for (;;) {
         if (FrameHandle picture = filter_->receive()) {

@@ -61,7 +61,9 @@ private:
     int finish();
     std::string check() const;
 
-    std::int64_t timeOf(std::int64_t sourceTicks) const { return begins_ + timing_->at(sourceTicks); }
+    std::int64_t timeOf(std::int64_t sourceTicks) const {
+        return begins_ + timing_->at(sourceTicks);
+    }
     std::int64_t sampleAt(std::int64_t time) const {
         return av_rescale_q(time, pace_.timeBase, {1, job_.audio.sampleRate});
     }
@@ -84,7 +86,7 @@ private:
     // Of the input in hand.
     std::optional<ExactInput> input_;
     std::optional<PictureTiming> timing_;
-    std::int64_t begins_ = 0;     ///< in the output, ticks of the pace
+    std::int64_t begins_ = 0;      ///< in the output, ticks of the pace
     std::int64_t lastPicture_ = 0; ///< in the output, likewise
     FrameHandle nextSound_;
     bool soundEnds_ = false;
@@ -158,7 +160,8 @@ int ExactJob::begin() {
         result = addSound();
     }
     if (result >= 0 && InputFiles::mayReach(job_.inputPaths, path)) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input, or may be part of one\n", path.c_str());
+        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input, or may be part of one\n",
+               path.c_str());
         result = AVERROR(EEXIST);
     }
     if (result >= 0) {

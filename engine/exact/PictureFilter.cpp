@@ -1,8 +1,8 @@
 #include "PictureFilter.h"
 
 #include "ColourConversion.h"
-#include "EngineLog.h"
 #include "DisplayMatrix.h"
+#include "EngineLog.h"
 
 extern "C" {
 #include <libavfilter/avfilter.h>
@@ -81,14 +81,12 @@ bool PictureFilter::Form::operator==(const Form& other) const {
            primaries == other.primaries && interlaced == other.interlaced;
 }
 
-PictureSize uprightSize(AVFormatContext& container, AVStream& stream,
-                        const PictureFormat& format) {
+PictureSize uprightSize(AVFormatContext& container, AVStream& stream, const PictureFormat& format) {
     const AVCodecParameters& coded = *stream.codecpar;
     if (coded.width <= 0 || coded.height <= 0) {
         return {};
     }
-    const AVRational aspect =
-        positive(av_guess_sample_aspect_ratio(&container, &stream, nullptr));
+    const AVRational aspect = positive(av_guess_sample_aspect_ratio(&container, &stream, nullptr));
     PictureSize size = squareSize(coded.width, coded.height, aspect, format.step);
     if (displayTurnOf(stream).swapsSides) {
         std::swap(size.width, size.height);
@@ -151,8 +149,8 @@ FrameHandle PictureFilter::receiveFromGraph() {
 PictureFilter::Form PictureFilter::formOf(const AVFrame& picture) const {
     return {.size = {picture.width, picture.height},
             .format = picture.format,
-            .aspect = av_guess_sample_aspect_ratio(&container_, &stream_,
-                                                   const_cast<AVFrame*>(&picture)),
+            .aspect =
+                av_guess_sample_aspect_ratio(&container_, &stream_, const_cast<AVFrame*>(&picture)),
             .transfer = picture.color_trc,
             .primaries = picture.color_primaries,
             // One that is, among others: the filter looks at each.
@@ -200,8 +198,8 @@ int PictureFilter::connect(const std::string& filters) {
     inputs->filter_ctx = sink_;
     AVFilterInOut* openInputs = inputs.release();
     AVFilterInOut* openOutputs = outputs.release();
-    const int result = avfilter_graph_parse_ptr(graph_.get(), filters.c_str(), &openInputs,
-                                                &openOutputs, nullptr);
+    const int result =
+        avfilter_graph_parse_ptr(graph_.get(), filters.c_str(), &openInputs, &openOutputs, nullptr);
     inputs.reset(openInputs);
     outputs.reset(openOutputs);
     return result < 0 ? result : avfilter_graph_config(graph_.get(), nullptr);

@@ -9,7 +9,6 @@
 namespace velmora {
 namespace {
 
-
 std::int64_t timeOf(const AVPacket& packet) {
     return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
 }
@@ -51,8 +50,8 @@ int PictureReader::goTo(std::int64_t us) {
 bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
     const AVRational timeBase = this->timeBase();
     const std::int64_t wanted = av_rescale_q_rnd(us, kMicrosecond, timeBase, AV_ROUND_DOWN);
-    const std::int64_t begin = std::max(stream().start_time, av_rescale_q(input().startUs(),
-                                                                          kMicrosecond, timeBase));
+    const std::int64_t begin =
+        std::max(stream().start_time, av_rescale_q(input().startUs(), kMicrosecond, timeBase));
     if (pictures_.isTimedByOrder()) {
         return false;
     }

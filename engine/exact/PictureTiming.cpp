@@ -23,8 +23,8 @@ bool isRate(AVRational rate) {
 
 PictureTiming::PictureTiming(const TimingRule& rule) : rule_(rule), hasGrid_(false) {
     constexpr int kTicksBetween = 4; // with fewer, every time would be on the grid
-    hasGrid_ = isRate(rule.sourceRate) && av_rescale_q(1, av_inv_q(rule.sourceRate),
-                                                       rule.sourceTimeBase) >= kTicksBetween;
+    hasGrid_ = isRate(rule.sourceRate) &&
+               av_rescale_q(1, av_inv_q(rule.sourceRate), rule.sourceTimeBase) >= kTicksBetween;
 }
 
 std::int64_t PictureTiming::at(std::int64_t ticks) const {

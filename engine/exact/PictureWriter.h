@@ -29,7 +29,8 @@ public:
                   const PicturePace& pace)
         : output_(output), stream_(stream), encoder_(encoder), pace_(pace) {}
 
-    /// `time` is in the pace's time base and after that of the picture before. 0 or a negative code.
+    /// `time` is in the pace's time base and after that of the picture before. 0 or a negative
+    /// code.
     int write(FrameHandle picture, std::int64_t time);
     /// The last picture is shown until `time`. 0 or a negative code.
     int endAt(std::int64_t time);

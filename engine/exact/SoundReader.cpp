@@ -76,17 +76,16 @@ int SoundReader::goTo(std::int64_t origin, AVRational timeBase) {
 
 int SoundReader::findStart() {
     const AVRational timeBase = stream().time_base;
-    const std::int64_t wanted =
-        av_rescale_q(origin_, originTimeBase_, kMicrosecond) - kLeadInUs;
+    const std::int64_t wanted = av_rescale_q(origin_, originTimeBase_, kMicrosecond) - kLeadInUs;
     for (std::int64_t back = 0; wanted - back > sound_.input().startUs();
          back = 4 * back + kLeadInUs) {
         if (sound_.seek(av_rescale_q(wanted - back, kMicrosecond, timeBase)) < 0) {
             break;
         }
         PacketHandle first = sound_.readPacket();
-        const std::int64_t time = first == nullptr                ? AV_NOPTS_VALUE
+        const std::int64_t time = first == nullptr               ? AV_NOPTS_VALUE
                                   : first->pts != AV_NOPTS_VALUE ? first->pts
-                                                                  : first->dts;
+                                                                 : first->dts;
         if (time != AV_NOPTS_VALUE &&
             av_compare_ts(time, timeBase, wanted + kLeadInUs / 2, kMicrosecond) <= 0) {
             sound_.decodeFrom(std::move(first));
@@ -214,7 +213,8 @@ FrameHandle SoundReader::converted(const AVFrame* sound) {
     }
     std::vector<const std::uint8_t*> planes;
     if (sound != nullptr) {
-        const bool isPlanar = av_sample_fmt_is_planar(static_cast<AVSampleFormat>(sound->format)) != 0;
+        const bool isPlanar =
+            av_sample_fmt_is_planar(static_cast<AVSampleFormat>(sound->format)) != 0;
         planes.assign(sound->extended_data,
                       sound->extended_data + (isPlanar ? sound->ch_layout.nb_channels : 1));
     }

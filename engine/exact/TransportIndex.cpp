@@ -34,8 +34,8 @@ bool TransportIndex::readNext() {
     const bool isPlace = packet->stream_index == streamIndex_ && packet->pos >= 0 &&
                          packet->pts != AV_NOPTS_VALUE &&
                          (allPackets_ || (packet->flags & AV_PKT_FLAG_KEY) != 0);
-    if (isPlace && (places_.empty() || packet->pts >= places_.back().time +
-                                                          (allPackets_ ? kTicksBetweenPlaces : 1))) {
+    if (isPlace && (places_.empty() ||
+                    packet->pts >= places_.back().time + (allPackets_ ? kTicksBetweenPlaces : 1))) {
         places_.push_back({packet->pts, packet->pos, before});
     }
     return true;

@@ -11,8 +11,7 @@ using Matrix = std::array<std::int32_t, 9>;
 
 bool readMatrix(const AVStream& stream, Matrix& matrix) {
     std::size_t size = 0;
-    const std::uint8_t* data =
-        av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    const std::uint8_t* data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
     if (data == nullptr || size < sizeof(matrix)) {
         return false;
     }

@@ -43,8 +43,8 @@ public:
     /// and the file lies where it may be. False when one of them cannot be found.
     static bool mayName(const std::string& path, const std::string& other);
 
-    /// Whether the file at `output` is one of the inputs, or may be part of one. False when it is not
-    /// there.
+    /// Whether the file at `output` is one of the inputs, or may be part of one. False when it is
+    /// not there.
     static bool mayReach(const std::vector<std::string>& inputs, const std::string& output);
 
     /// The input's name, such that libavformat cannot take it for an address.

@@ -41,8 +41,8 @@ struct Job {
     std::int32_t joinSeconds = 0;         ///< length of all inputs of a join
     VideoSettings video;
     AudioSettings audio;
-    std::vector<Window> windows;          ///< per input of an exact cut
-    bool exact = false;                   ///< beside the modes below; nothing of the engine's
+    std::vector<Window> windows;   ///< per input of an exact cut
+    bool exact = false;            ///< beside the modes below; nothing of the engine's
     bool videoCodecChosen = false; ///< the codec was chosen by name; a run does not read it
     bool joins = false;            ///< else the inputs are cut; before the first input is added
     bool reencodes = false;        ///< else packets are copied

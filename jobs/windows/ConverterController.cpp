@@ -1,10 +1,10 @@
 #include "ConverterController.h"
 
-#include "AlertPanel.h"
 #include "CommonAction.h"
 #include "ConversionEngine.h"
 #include "ModalSession.h"
 #include "ProgressWindow.h"
+#include "RunLog.h"
 #include "RunQueue.h"
 #include "ui_ConverterFrom.h"
 
@@ -84,8 +84,10 @@ void ConverterController::awaitTurn() {
     const ConversionRun* const before = queue().current(this);
     const bool endsNow = before != nullptr && before->hasOutcome();
     auto outcome = RunOutcome::Failed;
+    AlertMore more;
     if (endsNow) {
         outcome = takeOutcomeOf(before);
+        more = toTellOf(before);
         queue().removeCurrent(this);
     }
     queue().startNext(this);
@@ -93,7 +95,7 @@ void ConverterController::awaitTurn() {
         showStart();
     }
     if (endsNow) {
-        tell(outcome);
+        tell(outcome, more);
     }
 }
 
@@ -128,7 +130,8 @@ void ConverterController::showRun(bool ended) {
         totleProgress_->setValue(100);
         singleProgress_->setValue(100);
     }
-    if (overAll || ended) { // it may end without going over all inputs
+    // It may end without going over all inputs; and when it has, it looks at what it has written.
+    if (ended || (overAll && queue().current(this) == nullptr)) {
         endWith(takeOutcome(items()));
     } else {
         copyResults(items());
@@ -213,8 +216,9 @@ void ConverterController::endWith(RunOutcome outcome) {
     refreshTimer_->stop();
     performClose();
     stopOwnSession();
+    const AlertMore more = toTellOf(queue().current(this));
     queue().removeCurrent(this);
-    tell(outcome);
+    tell(outcome, more);
     // The counters do not say again that the run has ended. While the message was on screen, a run
     // that had waited may have begun; then they are its own.
     if (!queue().isBusy()) {
@@ -222,11 +226,24 @@ void ConverterController::endWith(RunOutcome outcome) {
     }
 }
 
-void ConverterController::tell(RunOutcome outcome) {
-    runAlertPanel("",
-                  outcome == RunOutcome::Completed ? "Congratulations! file has completed!"
-                                                   : "File failed! please use re-encoding mode",
-                  "OK", "");
+/// Nothing of a run that has not reached the engine.
+AlertMore ConverterController::toTellOf(const ConversionRun* run) {
+    if (run == nullptr || !countersAreOf(run)) {
+        return {};
+    }
+    return {QString::fromStdString(run->report().finding), RunLog::instance().text()};
+}
+
+/// A run that went well and has left nothing to say needs no details.
+void ConverterController::tell(RunOutcome outcome, const AlertMore& more) {
+    const bool completed = outcome == RunOutcome::Completed;
+    const QString message = completed ? "Congratulations! file has completed!"
+                                      : "File failed! please use re-encoding mode";
+    if (more.details.isEmpty() || (completed && more.sentence.isEmpty())) {
+        runAlertPanel("", message, "OK", "");
+    } else {
+        runAlertPanelWith(more, message);
+    }
 }
 
 bool ConverterController::windowShouldClose() {

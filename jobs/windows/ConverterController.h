@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AlertPanel.h"
 #include "ConverterInfo.h"
 #include "RunResults.h"
 #include "SharedState.h"
@@ -66,7 +67,8 @@ private:
     void copyStatesSoFar();
     static RunOutcome takeOutcomeOf(const ConversionRun* run);
     void endWith(RunOutcome outcome);
-    static void tell(RunOutcome outcome);
+    static AlertMore toTellOf(const ConversionRun* run);
+    static void tell(RunOutcome outcome, const AlertMore& more);
     void performClose();
     void stopOwnSession();
 

@@ -3,8 +3,13 @@
 #include "ModalSession.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QVBoxLayout>
 #include <QWindow>
 
 namespace velmora {
@@ -41,6 +46,36 @@ QWindow* windowInUse() {
     return nullptr;
 }
 
+void prepare(QMessageBox& box, const QString& title, const QString& message) {
+    box.setObjectName("alertPanel");
+    box.setWindowModality(Qt::ApplicationModal);
+    box.setWindowTitle(title.isEmpty() ? QGuiApplication::applicationDisplayName() : title);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(message);
+}
+
+void showDetails(QWidget& above, const QString& details) {
+    QDialog window(&above);
+    window.setObjectName("detailsWindow");
+    window.setWindowTitle("Details");
+    window.resize(720, 420);
+    auto* const text = new QPlainTextEdit(details, &window);
+    text->setObjectName("details");
+    text->setAccessibleName("Log of this run");
+    text->setReadOnly(true);
+    text->setTabChangesFocus(true);
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close, &window);
+    QPushButton* const copy = buttons->addButton("&Copy", QDialogButtonBox::ActionRole);
+    QObject::connect(copy, &QPushButton::clicked, &window,
+                     [&details] { QGuiApplication::clipboard()->setText(details); });
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &window, &QDialog::reject);
+    auto* const layout = new QVBoxLayout(&window);
+    layout->addWidget(text);
+    layout->addWidget(buttons);
+    window.exec();
+}
+
 /// Keeps the box above the window in use, over whose middle the desktop then puts it. That window
 /// may go away first, so it is no parent.
 void placeOverWindowInUse(QMessageBox& box) {
@@ -57,11 +92,7 @@ void placeOverWindowInUse(QMessageBox& box) {
 int runAlertPanel(const QString& title, const QString& message, const QString& defaultButton,
                   const QString& alternateButton) {
     QMessageBox box;
-    box.setObjectName("alertPanel");
-    box.setWindowModality(Qt::ApplicationModal);
-    box.setWindowTitle(title.isEmpty() ? QGuiApplication::applicationDisplayName() : title);
-    box.setTextFormat(Qt::PlainText);
-    box.setText(message);
+    prepare(box, title, message);
     QPushButton* const accept = box.addButton(defaultButton, QMessageBox::AcceptRole);
     box.setDefaultButton(accept);
     if (alternateButton.isEmpty()) {
@@ -72,6 +103,21 @@ int runAlertPanel(const QString& title, const QString& message, const QString& d
     placeOverWindowInUse(box);
     box.exec();
     return box.clickedButton() == accept ? AlertDefault : AlertAlternate;
+}
+
+void runAlertPanelWith(const AlertMore& more, const QString& message) {
+    QMessageBox box;
+    prepare(box, {}, message);
+    box.setInformativeText(more.sentence);
+    QPushButton* const accept = box.addButton("OK", QMessageBox::AcceptRole);
+    box.setDefaultButton(accept);
+    box.setEscapeButton(accept);
+    QPushButton* const details = box.addButton("&Details…", QMessageBox::ActionRole);
+    details->disconnect(&box); // the box would close
+    QObject::connect(details, &QPushButton::clicked, &box,
+                     [&box, &more] { showDetails(box, more.details); });
+    placeOverWindowInUse(box);
+    box.exec();
 }
 
 } // namespace velmora

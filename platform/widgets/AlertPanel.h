@@ -15,4 +15,14 @@ enum AlertAnswer : int { AlertAlternate = 0, AlertDefault = 1 };
 int runAlertPanel(const QString& title, const QString& message, const QString& defaultButton,
                   const QString& alternateButton);
 
+/// What an alert tells besides its message.
+struct AlertMore {
+    QString sentence; ///< under the message; may be empty
+    QString details;  ///< shown when the user asks for them by "Details…"
+};
+
+/// An alert without a title and with an OK button. The details are shown in a window of their own,
+/// from where they can be copied; the alert stays.
+void runAlertPanelWith(const AlertMore& more, const QString& message);
+
 } // namespace velmora

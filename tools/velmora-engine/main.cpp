@@ -131,8 +131,8 @@ int picture(Arguments arguments) {
     if (!seconds) {
         return usage();
     }
-    const int code = velmora::mediaOperations().writePicture(arguments[0], milliseconds(*seconds),
-                                                             arguments[2]);
+    const int code =
+        velmora::mediaOperations().writePicture(arguments[0], milliseconds(*seconds), arguments[2]);
     print({{"code", code}});
     return code == 0 ? kSuccess : kFailure;
 }

@@ -13,6 +13,7 @@
 #include "PlatformLog.h"
 #include "ProbedFile.h"
 #include "SharedState.h"
+#include "SourceTrouble.h"
 #include "TimeText.h"
 #include "cutterWinController.h"
 #include "ui_MainWindow.h"
@@ -41,7 +42,13 @@ CutterSession::CutterSession(MainWindow& window, Requests requests)
     : window_(window), bar_(*window.outlets().mCustomSlider), start_(*window.outlets().mLabelStart),
       end_(*window.outlets().mLabelEnd), length_(*window.outlets().mLabelDuration),
       position_(*window.outlets().mLabelDrag), preview_(*window.outlets().mCustomImage),
-      requests_(std::move(requests)) {}
+      requests_(std::move(requests)) {
+    QObject::connect(&facts_, &SourceFactsReader::known, &facts_, [this] {
+        if (mCutterWincontroller) {
+            showTrouble();
+        }
+    });
+}
 
 CutterSession::~CutterSession() = default;
 
@@ -128,6 +135,7 @@ void CutterSession::firstLoadVideo(const QString& path) {
     probeFile(path);
     setDuration(probedDuration());
     preview_.showFirst(path);
+    facts_.read(path);
     if (!mAddFileInitialized) {
         const ConversionEngine& engine = ConversionEngine::instance();
         mAddFileInitialized = true;
@@ -282,11 +290,20 @@ void CutterSession::startCut() {
         return;
     }
     showTime(length_, toSeconds(lengthMs));
+    mCutterWincontroller->setExactWindow(parsedMilliseconds(start_.text()).value_or(0),
+                                         parsedMilliseconds(end_.text()).value_or(0));
+    showTrouble();
     mCutterWincontroller->setCutterOutputFilename(fileNameWithoutExtension(filename_),
                                                   pathExtension(filename_));
     QWidget& panel = mCutterWincontroller->window();
     panel.setWindowTitle("Cutter Setting");
     runModalForWindow(panel);
+}
+
+/// What is not known yet comes while the panel is open.
+void CutterSession::showTrouble() {
+    const auto facts = facts_.factsOf(filename_);
+    mCutterWincontroller->setTrouble(facts ? troubleOf(*facts) : QString());
 }
 
 void CutterSession::closePanel() {

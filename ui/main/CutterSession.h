@@ -2,6 +2,7 @@
 
 #include "CutMarks.h"
 #include "PreviewPicture.h"
+#include "SourceFactsReader.h"
 
 #include <QString>
 #include <QStringList>
@@ -96,6 +97,7 @@ private:
     void takeProbedVideo(const QString& path);
     void setDuration(float seconds);
     void setPosition(double value);
+    void showTrouble();
 
     MainWindow& window_;
     CustomSlider& bar_;
@@ -105,6 +107,7 @@ private:
     QLineEdit& position_;
     PreviewPicture preview_;
     Requests requests_;
+    SourceFactsReader facts_;
     std::unique_ptr<cutterWinController> mCutterWincontroller;
 
     QString filename_;

@@ -11,6 +11,7 @@
 #include "ProbedFile.h"
 #include "Saturated.h"
 #include "SharedState.h"
+#include "SourceTrouble.h"
 #include "TimeText.h"
 #include "joinerWinController.h"
 
@@ -59,6 +60,7 @@ bool areAlike(const NodeInfo& a, const NodeInfo& b) {
 JoinerList::JoinerList(JoinerTable& table, QWidget& owner)
     : table_(table), owner_(owner), model_(*this) {
     table_.setModel(&model_);
+    QObject::connect(&facts_, &SourceFactsReader::known, &facts_, [this] { showTrouble(); });
 }
 
 JoinerList::~JoinerList() = default;
@@ -104,6 +106,7 @@ bool JoinerList::add(const QString& path) {
     const std::shared_ptr<NodeInfo> item = probedItem(path);
     item->inFromat = pathExtension(path);
     joinerFileList->push_back(item);
+    facts_.read(path);
     return true;
 }
 
@@ -161,10 +164,27 @@ void JoinerList::merge() {
         return;
     }
     mJointerWincontroller->setJoinerOutputFilename("join-all");
+    showTrouble();
     QWidget& panel = mJointerWincontroller->window();
     panel.setWindowTitle("Joiner Setting");
     runModalForWindow(panel);
     table_.viewport()->update(); // the run has changed the states of the rows
+}
+
+std::vector<SourceFacts> JoinerList::knownFacts() const {
+    std::vector<SourceFacts> known;
+    for (const auto& item : *sharedFileList) {
+        if (const auto facts = facts_.factsOf(item->inputFile)) {
+            known.push_back(*facts);
+        }
+    }
+    return known;
+}
+
+void JoinerList::showTrouble() {
+    if (mJointerWincontroller) {
+        mJointerWincontroller->setTrouble(troubleOf(knownFacts()));
+    }
 }
 
 void JoinerList::closePanel() {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "JoinerTableModel.h"
+#include "SourceFactsReader.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 #include <memory>
+#include <vector>
 
 class QWidget;
 
@@ -55,9 +57,13 @@ public:
     void closePanel();
 
 private:
+    std::vector<SourceFacts> knownFacts() const;
+    void showTrouble();
+
     JoinerTable& table_;
     QWidget& owner_;
     JoinerTableModel model_;
+    SourceFactsReader facts_;
     std::unique_ptr<joinerWinController> mJointerWincontroller;
 };
 

@@ -6,6 +6,7 @@
 #include "MediaOperations.h"
 #include "OncePainted.h"
 #include "PlatformLog.h"
+#include "RunLog.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -14,7 +15,9 @@
 namespace {
 
 void logEngineLine(const char* line) {
-    velmora::platformLog(QString::fromUtf8(line).trimmed());
+    const QString text = QString::fromUtf8(line).trimmed();
+    velmora::platformLog(text);
+    velmora::RunLog::instance().add(text);
 }
 
 /// The file that the desktop asks to open, if it does.
@@ -31,6 +34,7 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName("org.velmora.velmora");
     QApplication::setWindowIcon(QIcon(":/images/velmora.png"));
     velmora::ConversionEngine::instance(); // to be made before there are other threads
+    velmora::RunLog::instance();           // likewise
 
     velmora::MainController controller;
     controller.awakeFromNib();

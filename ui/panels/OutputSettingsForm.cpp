@@ -81,6 +81,21 @@ void OutputSettingsForm::showNoResultPath(const QString& hint) {
     setItalic(*outlets_->mResultPath, true);
 }
 
+bool OutputSettingsForm::isExact() const {
+    return outlets_->mExact->isEnabled() && outlets_->mExact->isChecked();
+}
+
+void OutputSettingsForm::setExact(bool exact) {
+    outlets_->mExact->setChecked(exact);
+}
+
+void OutputSettingsForm::showExact(bool enabled, const QString& hint) {
+    outlets_->mExact->setEnabled(enabled);
+    outlets_->mExact->setAccessibleDescription(hint);
+    outlets_->mExactHint->setText(hint);
+    outlets_->mExactHint->setAccessibleName(hint);
+}
+
 void OutputSettingsForm::setDirectTitle(const QString& title) {
     setTitle(*outlets_->mRadioDirect, title);
 }

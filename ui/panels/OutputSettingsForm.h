@@ -40,6 +40,12 @@ public:
     void setReencodeTitle(const QString& title);
     void setReencodeHint(const QString& hint);
 
+    // The box "Exact".
+    bool isExact() const;
+    void setExact(bool exact);
+    /// Whether it can be chosen, and what is said under it.
+    void showExact(bool enabled, const QString& hint);
+
 private:
     std::unique_ptr<Ui::OutputSettingsForm> outlets_;
 };

@@ -48,7 +48,28 @@ void OutputSettingsPanel::load() {
     window_->windowShouldClose = [this] { return windowShouldClose(); };
     windowDidLoad();
     bindActions();
+    form_->setExact(!trouble_.isEmpty());
+    refreshExact();
     refreshResultPath();
+}
+
+void OutputSettingsPanel::setTrouble(const QString& trouble) {
+    if (trouble == trouble_) {
+        return;
+    }
+    trouble_ = trouble;
+    if (isLoaded()) {
+        form_->setExact(!trouble_.isEmpty());
+        refreshExact();
+    }
+}
+
+/// Packets that are copied begin and end where they do in the source.
+void OutputSettingsPanel::refreshExact() {
+    const bool possible = selectedRow() == kReencodeRow;
+    const QString hint =
+        possible ? exactSentence() : QString("Needs re-encoding: copies begin at key frames.");
+    form_->showExact(possible, trouble_.isEmpty() ? hint : trouble_ + '\n' + hint);
 }
 
 void OutputSettingsPanel::close() {
@@ -71,8 +92,10 @@ void OutputSettingsPanel::bindActions() {
     QObject::connect(form.mComboBox, &QComboBox::editTextChanged, form_,
                      [this] { refreshResultPath(); });
     QObject::connect(&form_->rows(), &QButtonGroup::idClicked, form_, [this] { mButMakeChoice(); });
-    QObject::connect(&form_->rows(), &QButtonGroup::idToggled, form_,
-                     [this] { refreshResultPath(); });
+    QObject::connect(&form_->rows(), &QButtonGroup::idToggled, form_, [this] {
+        refreshExact();
+        refreshResultPath();
+    });
     QObject::connect(form.mButBrowse, &QPushButton::clicked, form_, [this] { mButBrowse(); });
     QObject::connect(form.mButCustomize, &QPushButton::clicked, form_, [this] { mButCustomize(); });
     for (QLineEdit* const field : {form.mTextField1, form.mTextField2}) {

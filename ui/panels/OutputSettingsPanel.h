@@ -62,6 +62,11 @@ public:
     /// Always true; ends the modal session.
     bool windowShouldClose();
 
+    /// Why the source comes out wrong unless Exact is chosen, as a sentence; empty when it does
+    /// not. Another one than before chooses Exact, or takes the choice back; what the user has
+    /// chosen since stays.
+    void setTrouble(const QString& trouble);
+
     // Actions of the widgets.
     void mButFormatChange();
     void mButMakeChoice();
@@ -98,6 +103,9 @@ protected:
     virtual void takeFrameRate(const QString& rate, const QString& shownBefore);
     /// The extension of a direct output, as far as it is known before the start.
     virtual QString expectedExtension() const { return mExtension; }
+
+    /// What Exact means, as a sentence.
+    virtual QString exactSentence() const = 0;
 
     const Ui::OutputSettingsForm& outlets() const;
     bool isLoaded() const { return form_ != nullptr; }
@@ -140,6 +148,7 @@ private:
     void parametersToSetting();
     void parametersFromSetting(const QString& frameRateShownBefore);
     void refreshResultPath();
+    void refreshExact();
     QString channelChoice() const;
     QString composedPath(const QString& extension) const;
     const ProfileParameter* parameterOfProfile(const QString& name) const;
@@ -150,6 +159,7 @@ private:
     std::optional<ParameterBoxes> boxes_; ///< the form's
     SettingEditing editing_;
     QString profileOnShow_; ///< whose choices the boxes hold
+    QString trouble_;       ///< of the source
 };
 
 } // namespace velmora

@@ -57,6 +57,7 @@ ConverterInfo OutputSettingsPanel::newJob(bool isCutter) const {
     ConverterInfo job;
     job.isCutter = isCutter ? 1 : 0;
     job.isDirectly = selectedRow() == 0 ? 1 : 0;
+    job.exact = form_->isExact();
     return job;
 }
 

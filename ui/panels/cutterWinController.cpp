@@ -49,6 +49,15 @@ std::int32_t cutterWinController::setStartAndEnd(const QString& start, const QSt
     return length < 0 || setting.cutEndTime == kNone ? kNoTime : length;
 }
 
+void cutterWinController::setExactWindow(std::int64_t startMs, std::int64_t endMs) {
+    startMs_ = startMs;
+    endMs_ = endMs;
+}
+
+QString cutterWinController::exactSentence() const {
+    return "Saves precisely the pictures between both times, at their own times.";
+}
+
 void cutterWinController::setCutterOutputFilename(const QString& name, const QString& extension) {
     setDefaultFilename(name);
     setDirectExtension(extension);
@@ -66,6 +75,8 @@ void cutterWinController::mButStartCut() {
     }
     createConverter();
     ConverterInfo job = newJob(true);
+    job.startMs = startMs_;
+    job.endMs = endMs_;
     takeOutput(job);
     if (CommonAction::fileExist(mOutputFilename)) {
         return showPlainAlert("File already exists! please rename file name!");

@@ -21,6 +21,9 @@ public:
     /// milliseconds; -1 if a text is no time or the end lies before the start.
     static std::int32_t setStartAndEnd(const QString& start, const QString& end);
 
+    /// What an exact cut takes, milliseconds: as it was typed, while the setting rounds long times.
+    void setExactWindow(std::int64_t startMs, std::int64_t endMs);
+
     /// The default name, which reaches the name field only before the window is loaded, and the
     /// extension of the source.
     void setCutterOutputFilename(const QString& name, const QString& extension);
@@ -35,9 +38,13 @@ protected:
     int frameRatePosition(int /*profileDefault*/) const override { return 0; }
     QString chosenFrameRate() const override;
     void takeFrameRate(const QString& rate, const QString& shownBefore) override;
+    QString exactSentence() const override;
 
 private:
     bool keepsSourceFrameRate() const;
+
+    std::int64_t startMs_ = 0;
+    std::int64_t endMs_ = 0;
 };
 
 } // namespace velmora

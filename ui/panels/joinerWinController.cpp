@@ -66,6 +66,10 @@ OutputSettingsForm* joinerWinController::setupWindow(PanelWindow& window) {
     return description.mForm;
 }
 
+QString joinerWinController::exactSentence() const {
+    return "Every file keeps its own timing and proportions.";
+}
+
 QString joinerWinController::expectedExtension() const {
     // The callback gives the same, but only a start calls it.
     const bool several = joinerFileList && joinerFileList->size() >= 2;

@@ -37,6 +37,7 @@ public:
 protected:
     OutputSettingsForm* setupWindow(PanelWindow& window) override;
     QString expectedExtension() const override;
+    QString exactSentence() const override;
 
 private:
     bool fileCanJoin() const;
