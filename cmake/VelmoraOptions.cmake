@@ -17,7 +17,7 @@ target_compile_options(velmora_options INTERFACE
 # GCC 12 takes some additions to temporary strings for accesses out of bounds.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(velmora_options INTERFACE
-        -Wno-error=array-bounds -Wno-error=restrict)
+        -Wno-error=array-bounds -Wno-error=restrict -Wno-error=stringop-overflow)
 endif()
 
 if(VELMORA_SANITIZE)

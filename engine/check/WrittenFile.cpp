@@ -74,6 +74,11 @@ bool showsFirstPicture(InputMedia& input) {
 /// told enough.
 bool showsLastPicture(InputMedia& input) {
     const AVStream& pictures = *input.videoStream();
+    if (input.container()->duration <= 0) {
+        return true;
+    }
+    // Elsewhere what is found is a key frame, also one so damaged that it no longer looks like one.
+    const bool landsAnywhere = (input.container()->iformat->flags & AVFMT_TS_DISCONT) != 0;
     const std::int64_t endUs = input.startUs() + input.container()->duration;
     for (const std::int64_t backUs : {INT64_C(0), INT64_C(2'000'000), INT64_C(10'000'000)}) {
         const std::int64_t from = av_rescale_q(std::max(endUs - backUs, input.startUs()),
@@ -82,7 +87,7 @@ bool showsLastPicture(InputMedia& input) {
             return true;
         }
         PacketHandle packet = nextPicturePacket(input);
-        while (packet != nullptr && (packet->flags & AV_PKT_FLAG_KEY) == 0) {
+        while (packet != nullptr && landsAnywhere && (packet->flags & AV_PKT_FLAG_KEY) == 0) {
             packet = nextPicturePacket(input);
         }
         if (packet != nullptr) {

@@ -113,7 +113,7 @@ void runAlertPanelWith(const AlertMore& more, const QString& message) {
     box.setDefaultButton(accept);
     box.setEscapeButton(accept);
     QPushButton* const details = box.addButton("&Details…", QMessageBox::ActionRole);
-    details->disconnect(&box); // the box would close
+    details->disconnect(); // the box would close
     QObject::connect(details, &QPushButton::clicked, &box,
                      [&box, &more] { showDetails(box, more.details); });
     placeOverWindowInUse(box);

@@ -99,7 +99,8 @@ struct PacketRead {
 };
 
 /// Reads on until there are enough packets of the two streams.
-template <typename Read> std::vector<PacketRead> packetsOf(const InputMedia& media, Read read) {
+template <typename Read>
+std::vector<PacketRead> packetsGivenBy(const InputMedia& media, Read read) {
     std::vector<PacketRead> packets;
     const PacketHandle packet(av_packet_alloc());
     while (packets.size() < kComparedPackets && read(*packet) >= 0) {
@@ -160,9 +161,9 @@ Facts streamInfoDifferences(const InputMedia& media, const AVFormatContext& plai
 }
 
 Facts packetDifferences(InputMedia& media, AVFormatContext& plain) {
-    const auto actual = packetsOf(media, [&](AVPacket& packet) { return media.read(packet); });
+    const auto actual = packetsGivenBy(media, [&](AVPacket& packet) { return media.read(packet); });
     const auto expected =
-        packetsOf(media, [&](AVPacket& packet) { return av_read_frame(&plain, &packet); });
+        packetsGivenBy(media, [&](AVPacket& packet) { return av_read_frame(&plain, &packet); });
     if (actual.size() != expected.size()) {
         return {std::to_string(actual.size()) +
                 " packets, plainly: " + std::to_string(expected.size())};

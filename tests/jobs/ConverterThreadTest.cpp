@@ -1,5 +1,6 @@
 #include "ConverterThread.h"
 #include "ConversionEngine.h"
+#include "Job.h"
 #include "JobsSupport.h"
 #include "MediaReader.h"
 
@@ -37,6 +38,29 @@ TEST_F(ConverterThreadTest, cut_times_areSecondsWithTheirSpan) {
     EXPECT_EQ(engine_.endTimes[0], 4.0);
     EXPECT_EQ(engine_.spans[0], 2.5);
     EXPECT_EQ(engine_.joinTotalMs, 0);
+}
+
+TEST_F(ConverterThreadTest, exactCut_windowKeepsItsMilliseconds) {
+    addItem("/nowhere/in.mp4", 36e6F, 36e6F); // floats cannot tell the two apart
+    ConverterInfo asked{.fullPath = output("out.mp4"), .isDirectly = 0, .isCutter = 1};
+    asked.exact = true;
+    asked.startMs = 36'000'001;
+    asked.endMs = 36'000'003;
+    Job job;
+    ConverterThread::addExactPart(RunRequest::of(asked), job);
+    EXPECT_TRUE(job.exact);
+    ASSERT_EQ(job.windows.size(), 1U);
+    EXPECT_EQ(job.windows[0].startMs, 36'000'001);
+    EXPECT_EQ(job.windows[0].endMs, 36'000'003);
+}
+
+TEST_F(ConverterThreadTest, plainCut_isNotExact) {
+    addItem("/nowhere/in.mp4", 1000, 2000);
+    Job job;
+    ConverterThread::addExactPart(RunRequest::of({.fullPath = output("out.mp4"), .isCutter = 1}),
+                                  job);
+    EXPECT_FALSE(job.exact);
+    EXPECT_TRUE(job.windows.empty());
 }
 
 TEST_F(ConverterThreadTest, cut_oddTime_isDividedAsFloat) {

@@ -3,8 +3,11 @@
 #include "Desktop.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
@@ -27,6 +30,35 @@ TEST(AlertPanelTest, panel_titledWithoutAlternate_showsTitleMessageAndOneButton)
         answerAlert("OK");
     });
     EXPECT_EQ(runAlertPanel("Error", "Please add video file first!", "OK", {}), AlertDefault);
+}
+
+TEST(AlertPanelTest, more_sentenceIsUnderTheMessageAndDetailsOpenOverIt) {
+    fromTheEventLoop([] {
+        QMessageBox* const box = alertPanel();
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->text(), "Done!");
+        EXPECT_EQ(box->informativeText(), "It is long.");
+        fromTheEventLoop([box] {
+            auto* const window = box->findChild<QDialog*>("detailsWindow");
+            ASSERT_NE(window, nullptr);
+            EXPECT_EQ(window->findChild<QPlainTextEdit*>("details")->toPlainText(), "one\ntwo");
+            for (QPushButton* const button : window->findChildren<QPushButton*>()) {
+                if (button->text() == "&Copy") {
+                    button->click();
+                }
+            }
+            EXPECT_EQ(QGuiApplication::clipboard()->text(), "one\ntwo");
+            window->reject();
+        });
+        for (QAbstractButton* const button : box->buttons()) {
+            if (button->text() == "&Details…") {
+                button->click();
+            }
+        }
+        EXPECT_TRUE(box->isVisible());
+        answerAlert("OK");
+    });
+    runAlertPanelWith({"It is long.", "one\ntwo"}, "Done!");
 }
 
 TEST(AlertPanelTest, panel_emptyAlternate_isNotDrawn) {

@@ -245,13 +245,14 @@ TYPED_TEST(OutputSettingsTest, keys_tab_goesThroughThePanelFromTopToBottom) {
     this->selectRow(1);
     this->template outlet<QRadioButton>("mRadioReencode").setFocus();
     QStringList order;
-    for (int i = 0; i < 11; ++i) {
+    for (int i = 0; i < 12; ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         order.append(QApplication::focusWidget()->objectName());
     }
-    EXPECT_EQ(order, QStringList({"mComboBox", "mButCustomize", "mVideoQuality", "mVideoSize",
-                                  "mFrameRate", "mAudioQuality", "mSampleRate", "mTextField1",
-                                  "mButBrowse", "mTextField2", PanelNames<TypeParam>::kStart}));
+    EXPECT_EQ(order,
+              QStringList({"mExact", "mComboBox", "mButCustomize", "mVideoQuality", "mVideoSize",
+                           "mFrameRate", "mAudioQuality", "mSampleRate", "mTextField1",
+                           "mButBrowse", "mTextField2", PanelNames<TypeParam>::kStart}));
 }
 
 } // namespace

@@ -71,9 +71,19 @@ protected:
         auto* const direction = panel.findChild<QRadioButton*>("mRadioDirect");
         direction->setFocus();
         QTest::keyClick(direction, Qt::Key_Down); // the other row
-        const QStringList reencode{"mRadioReencode", "mComboBox",  "mButCustomize", "mVideoQuality",
-                                   "mVideoSize",     "mFrameRate", "mAudioQuality", "mSampleRate",
-                                   "mTextField1",    "mButBrowse", "mTextField2",   start};
+        const QStringList reencode{"mRadioReencode",
+                                   "mExact",
+                                   "mComboBox",
+                                   "mButCustomize",
+                                   "mVideoQuality",
+                                   "mVideoSize",
+                                   "mFrameRate",
+                                   "mAudioQuality",
+                                   "mSampleRate",
+                                   "mTextField1",
+                                   "mButBrowse",
+                                   "mTextField2",
+                                   start};
         expectWalk(panel, reencode);
         EXPECT_EQ(oneLine(mnemonicsUsedTwice(panel)), "");
     }

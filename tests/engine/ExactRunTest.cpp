@@ -1,0 +1,211 @@
+// What an exact cut writes, and when it refuses. Windows of many sources: scripts/exact-matrix.
+
+#include "ExactSupport.h"
+#include "MediaReader.h"
+#include "ReencodeSupport.h"
+
+#include <filesystem>
+
+namespace velmora::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<int> done(std::size_t count) {
+    return std::vector<int>(count, ConversionEngine::Done);
+}
+
+TEST_F(Exact, cut_windowOfHalfOpenTimes_hasItsPicturesAtAConstantRate) {
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(exactSource("plain.mp4"), 400, 1200, output).states, done(1));
+
+    const auto times = pictureTimes(output);
+    ASSERT_EQ(times.size(), 20U); // 0.40 to 1.16
+    EXPECT_EQ(times.front(), 0);
+    for (std::size_t i = 1; i < times.size(); ++i) {
+        EXPECT_EQ(times[i] - times[i - 1], times[1] - times[0]) << i;
+    }
+    EXPECT_EQ(fieldsOf(output, "v:0").at("duration"), "0.800000");
+    EXPECT_EQ(report_.finding, "");
+}
+
+TEST_F(Exact, cut_halfAMillisecondBesideAPicture_takesAndLeavesIt) {
+    const std::string source = exactSource("plain.mp4");
+    const std::string output = folder_ / "out.mp4";
+
+    cut(source, 400, 1201, output); // the picture at 1.200 is before 1.2005
+    EXPECT_EQ(pictureTimes(output).size(), 21U);
+    cut(source, 401, 1200, output); // that at 0.400 is before 0.4005
+    EXPECT_EQ(pictureTimes(output).size(), 19U);
+}
+
+TEST_F(Exact, cut_endIsTheSources_leavesNothingOut) {
+    const std::string output = folder_ / "out.mp4";
+
+    cut(exactSource("plain.mp4"), 1000, 1999, output);
+
+    EXPECT_EQ(pictureTimes(output).size(), 25U);
+    cut(exactSource("plain.mp4"), 1000, 900'000'000'000, output);
+    EXPECT_EQ(pictureTimes(output).size(), 25U);
+}
+
+TEST_F(Exact, cut_noPictureBetweenBothTimes_failsAndWritesNothing) {
+    const std::string output = folder_ / "out.mp4";
+
+    const JobResult result = cut(exactSource("plain.mp4"), 410, 430, output);
+
+    EXPECT_EQ(result.states, std::vector<int>{ConversionEngine::Failed});
+    EXPECT_EQ(result.index, 1);
+    EXPECT_FALSE(fs::exists(output));
+}
+
+TEST_F(Exact, cut_outputIsTheSource_failsAndLeavesIt) {
+    const std::string source = folder_ / "source.mp4";
+    fs::copy_file(exactSource("plain.mp4"), source);
+    const Bytes before = readFile(source);
+
+    EXPECT_EQ(cut(source, 0, 1000, source).states, std::vector<int>{ConversionEngine::Failed});
+
+    EXPECT_EQ(readFile(source), before);
+}
+
+TEST_F(Exact, cut_sourceWithoutPictures_failsAndWritesNothing) {
+    const std::string sound =
+        mediaMadeBy("-f lavfi -i sine=duration=1 -c:a aac", "exact-sound.m4a");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(sound, 0, 500, output).states, std::vector<int>{ConversionEngine::Failed});
+
+    EXPECT_FALSE(fs::exists(output));
+}
+
+TEST_F(Exact, cut_intervalsVary_staySoAndTheLastPictureLastsUntilTheEnd) {
+    const std::string source =
+        exactSource("gaps.mp4", "testsrc2",
+                    "-vf setpts=(N/25+0.6*floor(N/10))/TB -vsync vfr -c:v libx264 -g 25 -bf 0 "
+                    "-pix_fmt yuv420p -video_track_timescale 12800");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(source, 200, 1600, output).states, done(1));
+
+    // 0.20 to 0.36, then 1.00 to 1.36: the next one comes at 2.00.
+    const auto packets = packetsOf(output, "v:0");
+    ASSERT_EQ(packets.size(), 15U);
+    EXPECT_EQ(packets[5].pts.value() - packets[4].pts.value(), 12800 * 64 / 100);
+    EXPECT_EQ(packets.back().pts.value() + packets.back().duration, 12800 * 14 / 10);
+}
+
+TEST_F(Exact, cut_containerOfConstantRate_hasThePictureOnScreenAtEachTick) {
+    const std::string source =
+        exactSource("gaps.mp4", "testsrc2",
+                    "-vf setpts=(N/25+0.6*floor(N/10))/TB -vsync vfr -c:v libx264 -g 25 -bf 0 "
+                    "-pix_fmt yuv420p -video_track_timescale 12800");
+    const std::string output = folder_ / "out.avi";
+    video_.codec = AV_CODEC_ID_MPEG4;
+
+    EXPECT_EQ(cut(source, 200, 1600, output).states, done(1));
+
+    EXPECT_NEAR(endOf(output, "v:0"), 1.4, 0.045);
+    EXPECT_EQ(fieldsOf(output, "v:0").at("r_frame_rate"), "25/1");
+}
+
+TEST_F(Exact, cut_otherRate_keepsTheLength) {
+    const std::string output = folder_ / "out.mp4";
+    video_.frameRate = 15.0;
+
+    EXPECT_EQ(cut(exactSource("plain.mp4"), 0, 1000, output).states, done(1));
+
+    EXPECT_EQ(pictureTimes(output).size(), 15U);
+    EXPECT_NEAR(endOf(output, "v:0"), 1.0, 0.001);
+}
+
+TEST_F(Exact, cut_soundLasts_asLongAsMarkedToTheSample) {
+    const std::string output = folder_ / "out.mp4";
+
+    cut(exactSource("pcm.mkv", "testsrc2", "-c:v libx264 -g 25 -pix_fmt yuv420p -c:a pcm_s16le"),
+        400, 1400, output);
+
+    const std::string samples = runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", output,
+                                            "-map", "0:a", "-f", "s16le", "-ac", "1", "-"})
+                                    .output;
+    // The last packet of AAC is whole.
+    EXPECT_GE(samples.size(), 2U * 48'000);
+    EXPECT_LT(samples.size(), 2U * (48'000 + 1024));
+}
+
+TEST_F(Exact, cut_languageAndTitle_areCarried) {
+    const std::string source = exactSource(
+        "tags.mkv", "testsrc2",
+        "-c:v libx264 -g 25 -pix_fmt yuv420p -metadata title=Holiday -metadata:s:a language=ita");
+    const std::string output = folder_ / "out.mkv";
+
+    cut(source, 0, 1000, output);
+
+    EXPECT_EQ(fieldsOf(output, "a:0").at("tags").at("language"), "ita");
+    EXPECT_EQ(ffprobeJson(output, {"-show_format"}).at("format").at("tags").at("title"), "Holiday");
+}
+
+TEST_F(Exact, cut_stopped_endsWithoutAState) {
+    const AtRunPoint stop(RunPoint::Packet, [this](int) { engine_.stopRequested = 1; });
+
+    const JobResult result = cut(exactSource("plain.mp4"), 0, 2000, folder_ / "out.mp4");
+
+    EXPECT_EQ(result.states, std::vector<int>{ConversionEngine::Pending});
+}
+
+TEST_F(Exact, join_otherSizesRatesAndNoSound_eachKeepsItsLength) {
+    const std::string mute = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=64x128:rate=30:duration=1 -c:v libx264 -pix_fmt yuv420p",
+        "exact-mute.mp4");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(join({exactSource("plain.mp4"), mute, exactSource("plain.mp4")}, output).states,
+              done(3));
+
+    EXPECT_EQ(pictureTimes(output).size(), 50U + 30U + 50U);
+    EXPECT_NEAR(endOf(output, "v:0"), 5.0, 0.001);
+    EXPECT_NEAR(endOf(output, "a:0"), 5.0, 0.022);
+}
+
+TEST_F(Exact, join_onlyTheSecondHasSound_isHeardAtItsPlace) {
+    const std::string mute = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=128x64:rate=25:duration=1 -c:v libx264 -pix_fmt yuv420p",
+        "exact-mute-25.mp4");
+    const std::string output = folder_ / "out.mp4";
+
+    join({mute, exactSource("plain.mp4")}, output);
+
+    const std::string silences =
+        runProgram({"ffmpeg", "-v", "info", "-nostdin", "-i", output, "-af",
+                    "silencedetect=noise=-50dB:duration=0.5", "-vn", "-f", "null", "-"})
+            .errors;
+    const std::string mark = "silence_end: ";
+    const std::size_t at = silences.find(mark);
+    ASSERT_NE(at, std::string::npos) << silences;
+    EXPECT_NEAR(std::stod(silences.substr(at + mark.size())), 1.0, 0.005);
+}
+
+TEST_F(Exact, join_oneCannotBeOpened_fails) {
+    const JobResult result = join({exactSource("plain.mp4"), "/nowhere.mp4"}, folder_ / "out.mp4");
+
+    EXPECT_EQ(result.states, (std::vector<int>{ConversionEngine::Done, ConversionEngine::Failed}));
+    EXPECT_EQ(result.index, 2);
+}
+
+TEST_F(Exact, join_twoHundredInputs_drift_not) {
+    const std::string odd = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=128x64:rate=30000/1001:duration=0.2 -f lavfi -i "
+        "sine=sample_rate=44100:duration=0.2 -c:v libx264 -preset ultrafast -pix_fmt yuv420p",
+        "exact-short.mp4");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(join(std::vector<std::string>(200, odd), output).states, done(200));
+
+    const double pictures = 200.0 * 6 * 1001 / 30000;
+    EXPECT_NEAR(endOf(output, "v:0"), pictures, 0.001);
+    EXPECT_NEAR(endOf(output, "a:0"), pictures, 0.022);
+}
+
+} // namespace
+} // namespace velmora::test
