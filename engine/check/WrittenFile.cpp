@@ -128,13 +128,25 @@ double secondsOf(const InputMedia& input) {
                : lengthOf(input);
 }
 
-/// Exactly: two pictures of any usual rate, and what encoders of sound put around it.
+/// Where a container does not tell how long its last picture lasts, readers take the one before it
+/// for a measure, or none.
+bool isExactlyAsLong(double seconds, const WrittenPlan& plan) {
+    constexpr double kAround = 0.15; // what encoders of sound put around it
+    const double usual = plan.pictures && *plan.pictures > 0
+                             ? plan.seconds / static_cast<double>(*plan.pictures)
+                             : 0;
+    return seconds >= plan.lastPictureSeconds - kAround &&
+           seconds <= plan.seconds + kAround + 2 * usual;
+}
+
 bool isAsLong(double seconds, const WrittenPlan& plan) {
-    constexpr double kExactly = 0.15;
     constexpr double kLeast = 0.25; // of a copy, which takes whole packets
-    const double allowed =
-        plan.isExact ? kExactly : std::max(std::min(1.0, 0.1 * plan.seconds), kLeast);
-    return !(plan.seconds > 0) || std::abs(seconds - plan.seconds) <= allowed;
+    if (!(plan.seconds > 0)) {
+        return true;
+    }
+    const double allowed = std::max(std::min(1.0, 0.1 * plan.seconds), kLeast);
+    return plan.isExact ? isExactlyAsLong(seconds, plan)
+                        : std::abs(seconds - plan.seconds) <= allowed;
 }
 
 std::string openingDifference(InputMedia& input, const WrittenPlan& plan) {

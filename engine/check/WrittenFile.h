@@ -13,6 +13,7 @@ struct WrittenPlan {
     bool hasSound = false;
     std::optional<std::int64_t> pictures; ///< how many; nothing: not counted
     double seconds = 0;                   ///< how long; 0: not known
+    double lastPictureSeconds = 0;        ///< when the last one begins: some containers end there
     bool isExact = false; ///< to the picture; else what a copy of packets can be expected to give
 };
 

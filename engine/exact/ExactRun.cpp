@@ -123,10 +123,14 @@ RunReport ExactJob::execute() {
     return report;
 }
 
+/// Sound may go on behind the last picture.
 std::string ExactJob::check() const {
+    const double soundSeconds =
+        sound_ ? static_cast<double>(sound_->samples()) / job_.audio.sampleRate : 0.0;
     return differenceOf(job_.outputPaths[0], {.hasSound = sound_.has_value(),
                                               .pictures = pictures_->count(),
-                                              .seconds = secondsAt(begins_),
+                                              .seconds = std::max(secondsAt(begins_), soundSeconds),
+                                              .lastPictureSeconds = secondsAt(lastPicture_),
                                               .isExact = true});
 }
 

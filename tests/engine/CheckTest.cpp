@@ -71,6 +71,11 @@ TEST_F(Check, file_hasOtherNumberOrLength_isTold) {
     plan.pictures.reset();
     plan.seconds = 1.8;
     EXPECT_EQ(differenceOf(path, plan), "The file is 2.0 s long, 1.8 s were marked.");
+    plan.seconds = 2.5;
+    plan.lastPictureSeconds = 2.4;
+    EXPECT_EQ(differenceOf(path, plan), "The file is 2.0 s long, 2.5 s were marked.");
+    plan.lastPictureSeconds = 1.96; // shown for long, as not every container can tell
+    EXPECT_EQ(differenceOf(path, plan), "");
 }
 
 TEST_F(Check, file_lastPicturesAreDamaged_isTold) {
