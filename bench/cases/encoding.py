@@ -23,6 +23,23 @@ class Encoding(Group):
             theirs += [*options.split(), *self._common(size), "-c:a", encoder, output]
             compare(f"encode-{name}/ffmpeg", self._count, ours, theirs, [output])
 
+    def encode_exact(self):
+        """Exactly 20 seconds of 1080p, from the middle of a group of 250 pictures."""
+        source, output = self._media.minute, self._output(".mp4")
+        ours = [self._engine, "cut", source, 10, 30, output, "--exact", "--reencode"]
+        ours += ["size=1280x720", "vcodec=H264", "acodec=AAC", "vbitrate=2000"]
+        theirs = ["ffmpeg", "-v", "error", "-y", "-ss", 10, "-to", 30, "-i", source]
+        theirs += "-c:v libx264 -preset superfast -bf 0 -g 12 -qmin 10 -qmax 51 -qcomp 0.6".split()
+        theirs += [*self._common("1280x720"), "-c:a", "aac", output]
+        compare("encode-exact/ffmpeg", self._count, ours, theirs, [output])
+
+    def picture(self):
+        """The picture at 12.3 s, against decoding as many pictures from the key frame before it."""
+        source, output = self._media.minute, self._output(".png")
+        ours = [self._engine, "picture", source, 12.3, output]
+        theirs = ["ffmpeg", "-v", "error", "-ss", 8.3334, "-i", source, "-an", "-frames:v", 120]
+        compare("picture/ffmpeg", self._count, ours, [*theirs, "-f", "null", "-"], [output])
+
     @staticmethod
     def _common(size):
         scaling = ["-s", size, "-sws_flags", "bicubic"] if size else []

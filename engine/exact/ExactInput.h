@@ -33,6 +33,9 @@ public:
     std::int64_t origin() const { return origin_; }
     /// Where the window ends, in seconds since the first picture; nothing where the source does.
     std::optional<double> endSeconds() const;
+    /// Where the window ends on the container's time line, microseconds; the largest number where
+    /// the source does.
+    std::int64_t endUs() const { return endUs_.value_or(INT64_MAX); }
 
     /// A picture's time and duration, ticks of the stream, since the first picture.
     struct Shown {

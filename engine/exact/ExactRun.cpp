@@ -1,5 +1,6 @@
 #include "ExactRun.h"
 
+#include "Chapters.h"
 #include "ColourConversion.h"
 #include "EngineLog.h"
 #include "ExactInput.h"
@@ -7,6 +8,7 @@
 #include "InputProgress.h"
 #include "PictureWriter.h"
 #include "StreamDescription.h"
+#include "TimeBases.h"
 #include "TimedSoundWriter.h"
 #include "WrittenFile.h"
 
@@ -52,6 +54,7 @@ private:
     int begin();
     int addPictures();
     int addSound();
+    int addChapters();
     bool wantsSound();
     bool soundIsThere();
     int writeInput(InputProgress& progress);
@@ -170,6 +173,9 @@ int ExactJob::begin() {
     }
     if (result >= 0) {
         copyFileTags(*input_->media().container(), output_->tags());
+        result = job_.joins ? 0 : addChapters();
+    }
+    if (result >= 0) {
         result = output_->begin();
     }
     return result;
@@ -219,6 +225,13 @@ int ExactJob::addPictures() {
     added->stream->codecpar->sample_aspect_ratio = {1, 1};
     pictures_.emplace(*output_, *added, videoEncoder_, pace_);
     return result;
+}
+
+/// A join's chapters would have to be told before the lengths of its parts are known.
+int ExactJob::addChapters() {
+    const std::int64_t start =
+        av_rescale_q(input_->origin(), input_->pictureStream().time_base, kMicrosecond);
+    return copyChapters(*input_->media().container(), start, input_->endUs(), output_->container());
 }
 
 /// A join has sound when one of its inputs has; a cut, when there is some between both times or

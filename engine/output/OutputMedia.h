@@ -33,6 +33,7 @@ public:
     int create(const AVOutputFormat& format);
     const AVOutputFormat& format() const { return *context_->oformat; }
     AVDictionary** tags() { return &context_->metadata; }
+    AVFormatContext& container() { return *context_; }
 
     /// A new stream without parameters, to be filled in before the header; null without memory.
     OutputStream* addVideoStream(AVRational frameDuration);

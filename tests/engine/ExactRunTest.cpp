@@ -146,6 +146,48 @@ TEST_F(Exact, cut_languageAndTitle_areCarried) {
     EXPECT_EQ(ffprobeJson(output, {"-show_format"}).at("format").at("tags").at("title"), "Holiday");
 }
 
+TEST_F(Exact, cut_chapters_areShiftedAndClipped) {
+    const std::string list = folder_ / "chapters";
+    writeFile(list, ";FFMETADATA1\n"
+                    "[CHAPTER]\nTIMEBASE=1/1000\nSTART=0\nEND=500\ntitle=first\n"
+                    "[CHAPTER]\nTIMEBASE=1/1000\nSTART=500\nEND=1200\ntitle=second\n"
+                    "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1200\nEND=2000\ntitle=third\n");
+    const std::string source = folder_ / "source.mkv";
+    runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", exactSource("plain.mp4"), "-i", list,
+                "-map", "0:v", "-map_chapters", "1", "-c", "copy", source});
+    const std::string output = folder_ / "out.mkv";
+
+    cut(source, 800, 1600, output);
+
+    const auto chapters = ffprobeJson(output, {"-show_chapters"}).at("chapters");
+    ASSERT_EQ(chapters.size(), 2U);
+    EXPECT_EQ(chapters[0].at("tags").at("title"), "second");
+    EXPECT_EQ(chapters[0].at("start_time"), "0.000000");
+    EXPECT_EQ(chapters[0].at("end_time"), "0.400000");
+    EXPECT_EQ(chapters[1].at("start_time"), "0.400000");
+    EXPECT_EQ(chapters[1].at("end_time"), "0.800000");
+}
+
+TEST_F(Exact, cut_damagedInTheMiddle_keepsTimesAndSaysHowMuch) {
+    const std::string source = folder_ / "source.mkv";
+    Bytes content = readFile(exactSource("intra.mkv", "testsrc2", "-c:v mjpeg -q:v 3 -an"));
+    for (std::size_t i = content.size() * 2 / 5; i < content.size() / 2; ++i) {
+        content[i] = 0xff;
+    }
+    writeFile(source, content);
+    const std::string output = folder_ / "out.mkv";
+
+    cut(source, 0, 2000, output);
+
+    const auto times = pictureTimes(output);
+    ASSERT_GT(times.size(), 30U);
+    EXPECT_LT(times.size(), 50U);
+    for (const std::int64_t time : times) {
+        EXPECT_EQ(time % 40, 0) << time;
+    }
+    EXPECT_NEAR(endOf(output, "v:0"), 2.0, 0.001);
+}
+
 TEST_F(Exact, cut_stopped_endsWithoutAState) {
     const AtRunPoint stop(RunPoint::Packet, [this](int) { engine_.stopRequested = 1; });
 
