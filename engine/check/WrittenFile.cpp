@@ -213,13 +213,9 @@ std::string differenceOf(const std::string& path, const WrittenPlan& plan) {
 }
 
 std::string differenceOf(const Job& job) {
-    const std::string& path = job.outputPaths.front();
-    if (std::string difference = differenceOf(path, WrittenPlan()); !difference.empty()) {
+    InputMedia written(job.outputPaths.front(), nullptr);
+    if (std::string difference = openingDifference(written, WrittenPlan()); !difference.empty()) {
         return difference;
-    }
-    InputMedia written(path, nullptr);
-    if (written.open() < 0 || written.readStreamInfo() < 0) {
-        return {};
     }
     WrittenPlan plan;
     plan.seconds = plannedSeconds(job);

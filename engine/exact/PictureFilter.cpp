@@ -3,11 +3,9 @@
 #include "ColourConversion.h"
 #include "DisplayMatrix.h"
 #include "EngineLog.h"
+#include "FilterLibrary.h"
 
 extern "C" {
-#include <libavfilter/avfilter.h>
-#include <libavfilter/buffersink.h>
-#include <libavfilter/buffersrc.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -18,8 +16,13 @@ extern "C" {
 namespace velmora {
 namespace {
 
+/// Only where one has been made sure to be there.
+const FilterLibrary& library() {
+    return *FilterLibrary::instance();
+}
+
 struct FreeFilterLinks {
-    void operator()(AVFilterInOut* links) const noexcept { avfilter_inout_free(&links); }
+    void operator()(AVFilterInOut* links) const noexcept { library().freeLinks(&links); }
 };
 using FilterLinks = std::unique_ptr<AVFilterInOut, FreeFilterLinks>;
 
@@ -72,7 +75,7 @@ std::string text(PictureSize size) {
 } // namespace
 
 void FreeFilterGraph::operator()(AVFilterGraph* graph) const noexcept {
-    avfilter_graph_free(&graph);
+    library().freeGraph(&graph);
 }
 
 bool PictureFilter::Form::operator==(const Form& other) const {
@@ -111,14 +114,14 @@ int PictureFilter::send(FrameHandle picture) {
             return result;
         }
     }
-    return av_buffersrc_add_frame(source_, picture.get());
+    return library().addFrame(source_, picture.get());
 }
 
 int PictureFilter::sendEnd() {
     if (graph_ == nullptr) {
         return 0;
     }
-    const int result = av_buffersrc_add_frame(source_, nullptr);
+    const int result = library().addFrame(source_, nullptr);
     while (FrameHandle picture = receiveFromGraph()) {
         finished_.push_back(std::move(picture));
     }
@@ -137,11 +140,10 @@ FrameHandle PictureFilter::receive() {
 
 FrameHandle PictureFilter::receiveFromGraph() {
     FrameHandle picture(av_frame_alloc());
-    if (picture == nullptr || av_buffersink_get_frame(sink_, picture.get()) < 0) {
+    if (picture == nullptr || library().takeFrame(sink_, picture.get()) < 0) {
         return nullptr;
     }
-    picture->pts =
-        av_rescale_q(picture->pts, av_buffersink_get_time_base(sink_), stream_.time_base);
+    picture->pts = av_rescale_q(picture->pts, library().sinkTimeBase(sink_), stream_.time_base);
     picture->pict_type = AV_PICTURE_TYPE_NONE; // the encoder's choice, not the source's
     return picture;
 }
@@ -159,14 +161,17 @@ PictureFilter::Form PictureFilter::formOf(const AVFrame& picture) const {
 
 int PictureFilter::build(const AVFrame& picture, const Form& form) {
     const bool isFirst = form_.format == AV_PIX_FMT_NONE;
+    if (FilterLibrary::instance() == nullptr) {
+        return AVERROR_FILTER_NOT_FOUND;
+    }
     form_ = form;
-    graph_.reset(avfilter_graph_alloc());
+    graph_.reset(library().allocGraph());
     if (graph_ == nullptr) {
         return AVERROR(ENOMEM);
     }
-    source_ = avfilter_graph_alloc_filter(graph_.get(), avfilter_get_by_name("buffer"), "in");
+    source_ = library().allocFilter(graph_.get(), library().getByName("buffer"), "in");
     std::unique_ptr<AVBufferSrcParameters, FreeByPointer<av_free>> parameters(
-        av_buffersrc_parameters_alloc());
+        library().allocSourceParameters());
     if (source_ == nullptr || parameters == nullptr) {
         return AVERROR(ENOMEM);
     }
@@ -175,20 +180,20 @@ int PictureFilter::build(const AVFrame& picture, const Form& form) {
     parameters->width = picture.width;
     parameters->height = picture.height;
     parameters->sample_aspect_ratio = positive(form.aspect);
-    int result = av_buffersrc_parameters_set(source_, parameters.get());
+    int result = library().setSourceParameters(source_, parameters.get());
     if (result >= 0) {
-        result = avfilter_init_str(source_, nullptr);
+        result = library().initFilter(source_, nullptr);
     }
     if (result >= 0) {
-        result = avfilter_graph_create_filter(&sink_, avfilter_get_by_name("buffersink"), "out",
-                                              nullptr, nullptr, graph_.get());
+        result = library().createFilter(&sink_, library().getByName("buffersink"), "out", nullptr,
+                                        nullptr, graph_.get());
     }
     return result < 0 ? result : connect(description(picture, isFirst));
 }
 
 int PictureFilter::connect(const std::string& filters) {
-    FilterLinks outputs(avfilter_inout_alloc());
-    FilterLinks inputs(avfilter_inout_alloc());
+    FilterLinks outputs(library().allocLinks());
+    FilterLinks inputs(library().allocLinks());
     if (outputs == nullptr || inputs == nullptr) {
         return AVERROR(ENOMEM);
     }
@@ -199,10 +204,10 @@ int PictureFilter::connect(const std::string& filters) {
     AVFilterInOut* openInputs = inputs.release();
     AVFilterInOut* openOutputs = outputs.release();
     const int result =
-        avfilter_graph_parse_ptr(graph_.get(), filters.c_str(), &openInputs, &openOutputs, nullptr);
+        library().parseGraph(graph_.get(), filters.c_str(), &openInputs, &openOutputs, nullptr);
     inputs.reset(openInputs);
     outputs.reset(openOutputs);
-    return result < 0 ? result : avfilter_graph_config(graph_.get(), nullptr);
+    return result < 0 ? result : library().configureGraph(graph_.get(), nullptr);
 }
 
 std::string PictureFilter::description(const AVFrame& picture, bool isFirst) const {
