@@ -39,9 +39,24 @@ PacketHandle nextPicturePacket(InputMedia& input) {
     return nullptr;
 }
 
-/// Decodes this packet and those behind it until a picture is shown; null: none of the first is.
+/// A key frame needs nothing but itself, which costs one picture's time and memory.
+FrameHandle shownAlone(const InputMedia& input, const AVPacket& packet) {
+    Decoder decoder;
+    if (decoder.open(*input.videoStream(), input.path()) < 0) {
+        return nullptr;
+    }
+    decoder.send(packet);
+    decoder.sendEnd();
+    return decoder.receive();
+}
+
+/// Decodes this packet and, where that is not enough, those behind it until a picture is shown;
+/// null: none of the first is.
 FrameHandle shownFrom(InputMedia& input, PacketHandle packet) {
     const ExpectedLogLines quiet(ExpectedLogLines::Kind::Everything);
+    if (FrameHandle picture = shownAlone(input, *packet)) {
+        return picture;
+    }
     Decoder decoder;
     if (decoder.open(*input.videoStream(), input.path()) < 0) {
         return nullptr;
