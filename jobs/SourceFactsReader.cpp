@@ -30,7 +30,10 @@ SourceFactsReader::~SourceFactsReader() {
 
 void SourceFactsReader::read(const QString& path) {
     facts_.remove(path);
-    ++waiting_;
+    if (waiting_.contains(path)) {
+        return;
+    }
+    waiting_.insert(path);
     watch_->start();
     worker_.start([this, path] { work(path); });
 }
@@ -53,7 +56,8 @@ void SourceFactsReader::work(const QString& path) {
 }
 
 void SourceFactsReader::keep(const QString& path, const SourceFacts& facts) {
-    if (--waiting_ == 0) {
+    waiting_.remove(path);
+    if (waiting_.isEmpty()) {
         watch_->stop();
     }
     facts_.insert(path, facts);

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QThreadPool>
 
@@ -43,8 +44,8 @@ private:
     void endWhatTakesTooLong();
 
     QHash<QString, SourceFacts> facts_;
-    int waiting_ = 0; ///< files
-    QTimer* watch_;   ///< a child of this
+    QSet<QString> waiting_; ///< of each file at most one reading is to come
+    QTimer* watch_;         ///< a child of this
     QElapsedTimer clock_;
     std::atomic<std::int64_t> begunMs_{0}; ///< by the clock, the file in hand
     std::atomic<bool> ending_{false};

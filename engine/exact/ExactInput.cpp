@@ -29,9 +29,10 @@ int ExactInput::open() {
     std::int64_t startUs = INT64_MIN / 4;
     if (window_) {
         startUs = onTimeLine(window_->startMs, media) - kHalfMsUs;
-        const bool toTheEnd = lengthUs > 0 && window_->endMs >= (lengthUs - kUsPerMs) / kUsPerMs;
+        const std::int64_t endUs = onTimeLine(window_->endMs, media);
+        const bool toTheEnd = lengthUs > 0 && endUs - media.startUs() >= lengthUs - kUsPerMs;
         if (!toTheEnd) {
-            endUs_ = onTimeLine(window_->endMs, media);
+            endUs_ = endUs;
         }
     }
     result = pictures_.goTo(startUs);
@@ -95,8 +96,9 @@ ExactInput::Shown ExactInput::nextPicture(PictureSize size) {
         ended_ = picture == nullptr;
         if (ended_) {
             filter_->sendEnd();
-        } else {
-            filter_->send(std::move(picture));
+        } else if (const int result = filter_->send(std::move(picture)); result < 0) {
+            failure_ = result;
+            return {};
         }
     }
 }

@@ -44,6 +44,8 @@ public:
     };
     /// The next picture in the form of an output of this size; null at the end.
     Shown nextPicture(PictureSize size);
+    /// Why there was no next picture, if that is not the end: a negative libav error code; or 0.
+    int failure() const { return failure_; }
     /// When the last picture that was given ends by itself, in ticks since the first picture.
     std::int64_t picturesEnd() const { return picturesEnd_; }
     /// The next samples; null at the end, or without sound.
@@ -67,6 +69,7 @@ private:
     std::int64_t picturesEnd_ = 0;
     std::optional<std::int64_t> endUs_; ///< on the container's time line; nothing: to the end
     bool ended_ = false;
+    int failure_ = 0;
 };
 
 } // namespace velmora

@@ -50,6 +50,7 @@ public:
     RunReport execute();
 
 private:
+    void tellStates(InputState state);
     int openInput();
     int begin();
     int addPictures();
@@ -97,33 +98,32 @@ private:
 };
 
 RunReport ExactJob::execute() {
-    const std::size_t count = job_.inputPaths.size();
-    bool failed = false;
-    RunReport report;
-    for (index_ = 0; index_ < count && !isStopped(); ++index_) {
+    int result = 0;
+    for (index_ = 0; index_ < job_.inputPaths.size() && result >= 0 && !isStopped(); ++index_) {
         progress_.inputIs(index_);
         InputProgress progress(progress_, index_, job_.spanOf(index_), job_.joins);
-        int result = failed ? AVERROR_EXTERNAL : writeInput(progress);
-        if (result >= 0 && index_ + 1 == count && !isStopped()) {
-            result = finish();
-            if (result >= 0) {
-                report.finding = check();
-                result = report.finding.empty() ? 0 : AVERROR_INVALIDDATA;
-            }
-        }
-        if (isStopped()) {
-            return report;
-        }
-        if (result < 0) {
-            failed = true; // without one of its inputs the output is not what was asked for
-            progress.fail();
-        }
-        progress.complete();
+        result = writeInput(progress);
+    }
+    if (result >= 0 && !isStopped()) {
+        result = finish();
+    }
+    RunReport report;
+    if (result >= 0 && !isStopped()) {
+        report.finding = check();
     }
     if (!isStopped()) {
-        progress_.inputIs(count);
+        tellStates(result >= 0 && report.finding.empty() ? InputState::Done : InputState::Failed);
     }
     return report;
+}
+
+/// Without one of its inputs the output is not what was asked for: they end as one.
+void ExactJob::tellStates(InputState state) {
+    const std::size_t count = job_.inputPaths.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        progress_.stateIs(i, state);
+    }
+    progress_.inputIs(count);
 }
 
 /// Sound may go on behind the last picture.
@@ -223,7 +223,7 @@ int ExactJob::addPictures() {
     copyStreamTags(source, *added->stream);
     added->stream->sample_aspect_ratio = {1, 1};
     added->stream->codecpar->sample_aspect_ratio = {1, 1};
-    pictures_.emplace(*output_, *added, videoEncoder_, pace_);
+    pictures_.emplace(*output_, *added, videoEncoder_, pace_, stop_);
     return result;
 }
 
@@ -272,7 +272,7 @@ int ExactJob::addSound() {
     if (const AVStream* source = input_->media().audioStream()) {
         copyStreamTags(*source, *added->stream);
     }
-    sound_.emplace(*output_, *added, audioEncoder_);
+    sound_.emplace(*output_, *added, audioEncoder_, stop_);
     return result;
 }
 
@@ -311,7 +311,7 @@ int ExactJob::writeInput(InputProgress& progress) {
 int ExactJob::writePicture() {
     ExactInput::Shown shown = input_->nextPicture(size_);
     if (shown.picture == nullptr) {
-        return AVERROR_EOF;
+        return input_->failure() < 0 ? input_->failure() : AVERROR_EOF;
     }
     // Some files have pictures a tick apart, which are not to become one.
     lastPicture_ = std::max(timeOf(shown.time), isFirstPicture_ ? begins_ : lastPicture_ + 1);

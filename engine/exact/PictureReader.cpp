@@ -32,6 +32,8 @@ int PictureReader::goTo(std::int64_t us) {
     skipped_.reset();
     lastTime_ = AV_NOPTS_VALUE;
     if (!goToKeyFrameBefore(us)) {
+        pending_.reset(); // of a place that was no good
+        lastTime_ = AV_NOPTS_VALUE;
         if (const int result = pictures_.rewind(); result < 0) {
             return result;
         }
@@ -58,7 +60,8 @@ bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
     std::int64_t target = wanted;
     // Most containers find the right place at once, or the one before it. One that does not is
     // asked for places further and further back.
-    for (std::int64_t back = 1; target > begin; back = std::max(4 * back, INT64_C(1))) {
+    constexpr std::int64_t kFarthest = INT64_C(1) << 40; // ticks; beyond, times mean nothing
+    for (std::int64_t back = 1; target > begin && back < kFarthest; back *= 4) {
         if (pictures_.seek(target) < 0) {
             return false;
         }

@@ -28,7 +28,7 @@ int PictureWriter::encodeHeld(std::int64_t until) {
     const std::int64_t endTick =
         av_rescale_q_rnd(until - 1, pace_.timeBase, pace_.constant, AV_ROUND_UP);
     int result = 0;
-    for (; nextTick_ < endTick && result >= 0; ++nextTick_) {
+    for (; nextTick_ < endTick && result >= 0 && !isRaised(&stop_); ++nextTick_) {
         const FrameHandle picture(av_frame_clone(held_.get()));
         result = picture != nullptr ? encode(*picture, {nextTick_, 1}) : AVERROR(ENOMEM);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OutputMedia.h"
+#include "StopFlag.h"
 #include "VideoEncoder.h"
 
 #include <cstdint>
@@ -25,9 +26,10 @@ struct PicturePace {
 class PictureWriter {
 public:
     /// The encoder has been opened with the pace's encoderTimeBase(); both outlive this object.
+    /// Once `stop` is raised no picture is repeated any more.
     PictureWriter(OutputMedia& output, OutputStream& stream, VideoEncoder& encoder,
-                  const PicturePace& pace)
-        : output_(output), stream_(stream), encoder_(encoder), pace_(pace) {}
+                  const PicturePace& pace, const StopFlag& stop)
+        : output_(output), stream_(stream), encoder_(encoder), pace_(pace), stop_(stop) {}
 
     /// `time` is in the pace's time base and after that of the picture before. 0 or a negative
     /// code.
@@ -54,6 +56,7 @@ private:
     OutputStream& stream_;
     VideoEncoder& encoder_;
     const PicturePace pace_;
+    const StopFlag& stop_;
     FrameHandle held_;
     std::int64_t heldSince_ = 0;
     std::int64_t nextTick_ = 0; ///< at a constant rate

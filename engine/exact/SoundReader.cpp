@@ -17,6 +17,8 @@ constexpr std::int64_t kLeadInUs = 1'000'000;
 // What is further from its place than this is a gap, or there twice; less is drift.
 constexpr double kGapSeconds = 0.03;
 constexpr double kDriftSeconds = 0.002;
+// A longer one must lie within the file.
+constexpr std::int64_t kLongestGapSeconds = 60;
 
 FrameHandle emptySound(AVSampleFormat format, int rate, const AVChannelLayout& layout, int count) {
     FrameHandle frame(av_frame_alloc());
@@ -139,12 +141,22 @@ FrameHandle SoundReader::placed(FrameHandle sound) {
         return sound;
     }
     drift_ = 0;
+    if (early > kLongestGapSeconds * rate && isBeyondTheEnd(*sound)) {
+        return nullptr;
+    }
     if (early > 0) {
         FrameHandle before = silence(early, *sound);
-        waiting_ = std::move(sound);
+        waiting_ = before != nullptr ? std::move(sound) : nullptr;
         return before;
     }
     return early < 0 ? withoutFirst(*sound, -early) : std::move(sound);
+}
+
+/// A damaged time must not become years of silence.
+bool SoundReader::isBeyondTheEnd(const AVFrame& sound) const {
+    const std::int64_t lengthUs = sound_.input().container()->duration;
+    return lengthUs > 0 && av_compare_ts(sound.pts, stream().time_base,
+                                         sound_.input().startUs() + lengthUs, kMicrosecond) > 0;
 }
 
 /// At most a second at a time, however long the gap is.

@@ -43,6 +43,7 @@ private:
     FrameHandle silence(std::int64_t samples, const AVFrame& like);
     FrameHandle converted(const AVFrame* sound);
     std::int64_t samplesFromOrigin(const AVFrame& sound) const;
+    bool isBeyondTheEnd(const AVFrame& sound) const;
     void follow(std::int64_t early, int rate);
 
     DecodedStream sound_;

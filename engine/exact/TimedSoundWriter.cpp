@@ -17,8 +17,9 @@ bool tellsLeadIn(const AVOutputFormat& format) {
 
 } // namespace
 
-TimedSoundWriter::TimedSoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder& encoder)
-    : output_(output), stream_(stream), encoder_(encoder) {}
+TimedSoundWriter::TimedSoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder& encoder,
+                                   const StopFlag& stop)
+    : output_(output), stream_(stream), encoder_(encoder), stop_(stop) {}
 
 AudioFormat TimedSoundWriter::format() const {
     const AVCodecContext& context = encoder_.context();
@@ -42,7 +43,7 @@ int TimedSoundWriter::write(const AVFrame& sound, std::int64_t count) {
 
 int TimedSoundWriter::fillUntil(std::int64_t sample) {
     int result = 0;
-    while (samples_ < sample && result >= 0) {
+    while (samples_ < sample && result >= 0 && !isRaised(&stop_)) {
         const std::int64_t count = std::min<std::int64_t>(sample - samples_, encoder_.frameSize());
         result = encoder_.queueSilence(static_cast<int>(count));
         samples_ += count;

@@ -3,6 +3,7 @@
 #include "AudioEncoder.h"
 #include "AudioFormat.h"
 #include "OutputMedia.h"
+#include "StopFlag.h"
 
 #include <cstdint>
 
@@ -12,8 +13,9 @@ namespace velmora {
 /// samples. Belongs to one thread.
 class TimedSoundWriter {
 public:
-    /// `encoder` is open; both outlive this object.
-    TimedSoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder& encoder);
+    /// `encoder` is open; both outlive this object. Once `stop` is raised no more silence is added.
+    TimedSoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder& encoder,
+                     const StopFlag& stop);
 
     /// What the samples have to be like.
     AudioFormat format() const;
@@ -34,6 +36,7 @@ private:
     OutputMedia& output_;
     OutputStream& stream_;
     AudioEncoder& encoder_;
+    const StopFlag& stop_;
     std::int64_t samples_ = 0;
     bool ends_ = false; ///< samples_ is final
 };

@@ -46,6 +46,8 @@ TEST_F(Exact, cut_endIsTheSources_leavesNothingOut) {
     cut(exactSource("plain.mp4"), 1000, 1999, output);
 
     EXPECT_EQ(pictureTimes(output).size(), 25U);
+    cut(exactSource("plain.mp4"), 1000, 1960, output);
+    EXPECT_EQ(pictureTimes(output).size(), 24U);
     cut(exactSource("plain.mp4"), 1000, 900'000'000'000, output);
     EXPECT_EQ(pictureTimes(output).size(), 25U);
 }
@@ -228,10 +230,11 @@ TEST_F(Exact, join_onlyTheSecondHasSound_isHeardAtItsPlace) {
     EXPECT_NEAR(std::stod(silences.substr(at + mark.size())), 1.0, 0.005);
 }
 
-TEST_F(Exact, join_oneCannotBeOpened_fails) {
+TEST_F(Exact, join_oneCannotBeOpened_failsAsAWhole) {
     const JobResult result = join({exactSource("plain.mp4"), "/nowhere.mp4"}, folder_ / "out.mp4");
 
-    EXPECT_EQ(result.states, (std::vector<int>{ConversionEngine::Done, ConversionEngine::Failed}));
+    EXPECT_EQ(result.states,
+              (std::vector<int>{ConversionEngine::Failed, ConversionEngine::Failed}));
     EXPECT_EQ(result.index, 2);
 }
 
