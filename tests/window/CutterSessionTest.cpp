@@ -286,5 +286,26 @@ TEST_F(LeftCutterPanelTest, typedTime_closesItWhenItIsAnother) {
     EXPECT_FALSE(panel_->isVisible());
 }
 
+TEST_F(CutterSessionTest, whatHappens_isTold) {
+    QStringList told;
+    const CutEvents& events = session_.events();
+    QObject::connect(&events, &CutEvents::loaded, [&told](const QString& path) { told << path; });
+    QObject::connect(&events, &CutEvents::unloaded, [&told] { told << "unloaded"; });
+    QObject::connect(&events, &CutEvents::positionMoved,
+                     [&told](qint64 us) { told << QString("at %1").arg(us); });
+    QObject::connect(&events, &CutEvents::marksMoved, [&told](qint64 start, qint64 end) {
+        told << QString("%1 to %2").arg(start).arg(end);
+    });
+    load();
+    moveTo(25);
+    session_.markStart();
+    moveTo(75);
+    session_.markEnd();
+    startField_.setText("00:00:00.500");
+    session_.timesTyped();
+    EXPECT_EQ(told, QStringList({"unloaded", video_, "0 to 4000", "at 1000000", "1000 to 4000",
+                                 "at 3000000", "1000 to 3000", "500 to 3000"}));
+}
+
 } // namespace
 } // namespace velmora::test

@@ -21,6 +21,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include <cmath>
 #include <utility>
 
 namespace velmora {
@@ -126,6 +127,7 @@ void CutterSession::takeProbedVideo(const QString& path) {
     currentSetting->cutStartTime = static_cast<float>(marks_.mStartValMs);
     currentSetting->cutEndTime = static_cast<float>(marks_.mEndValMs);
     cutterFileList->push_back(item);
+    tellMarks();
 }
 
 void CutterSession::firstLoadVideo(const QString& path) {
@@ -143,11 +145,13 @@ void CutterSession::firstLoadVideo(const QString& path) {
         window_.showLoadedStage(displaySize({engine.sourceWidth, engine.sourceHeight},
                                             mediaOperations().sampleAspectRatio()));
     }
+    Q_EMIT events_.loaded(path);
 }
 
 void CutterSession::unload() {
     mAddFileInitialized = false;
     bar_.setCustomSliderEnable(false);
+    Q_EMIT events_.unloaded();
 }
 
 void CutterSession::setDuration(float seconds) {
@@ -174,6 +178,7 @@ void CutterSession::viewValueReset() {
 
 void CutterSession::setPosition(double value) {
     mLabelValue = static_cast<float>(value * mDuration / 100.0);
+    Q_EMIT events_.positionMoved(std::llround(value * static_cast<double>(mDuration) * 10'000.0));
 }
 
 void CutterSession::showPosition(double value) {
@@ -186,6 +191,16 @@ void CutterSession::scrubTo(double value) {
     setPosition(value);
     position_.setText(positionText(mLabelValue, mDuration));
     preview_.showAt(filename_, mLabelValue);
+}
+
+void CutterSession::goTo(std::int64_t us) {
+    if (mDuration > 0) {
+        bar_.moveByUser(static_cast<double>(us) / (static_cast<double>(mDuration) * 10'000.0));
+    }
+}
+
+void CutterSession::tellMarks() {
+    Q_EMIT events_.marksMoved(marks_.mStartValMs, marks_.mEndValMs);
 }
 
 void CutterSession::markStart() {
@@ -203,6 +218,7 @@ void CutterSession::markStart() {
         showTime(end_, mDuration);
     }
     setTextFieldDuration();
+    tellMarks();
 }
 
 void CutterSession::markEnd() {
@@ -220,6 +236,7 @@ void CutterSession::markEnd() {
         showTime(start_, 0);
     }
     setTextFieldDuration();
+    tellMarks();
 }
 
 void CutterSession::setTextFieldDuration() {
@@ -246,6 +263,7 @@ void CutterSession::timesTyped() {
     }
     if (start >= 0 && end >= 0) {
         showTime(length_, toSeconds(end - start));
+        Q_EMIT events_.marksMoved(start, end);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CutEvents.h"
 #include "CutMarks.h"
 #include "PreviewPicture.h"
 #include "SourceFactsReader.h"
@@ -62,6 +63,9 @@ public:
     /// From now on there is no video, but for its name and length.
     void unload();
 
+    /// What happens here, for others to connect to; lives as long as this.
+    const CutEvents& events() const { return events_; }
+
     // The bar and the marks.
     void sliderClear();
     void viewValueReset();
@@ -69,6 +73,8 @@ public:
     void showPosition(double value);
     /// Likewise, with the picture there.
     void scrubTo(double value);
+    /// Goes to this position, microseconds, as by the bar's being moved there.
+    void goTo(std::int64_t us);
     void markStart();
     void markEnd();
     void setTextFieldDuration();
@@ -98,6 +104,7 @@ private:
     void setDuration(float seconds);
     void setPosition(double value);
     void showTrouble();
+    void tellMarks();
 
     MainWindow& window_;
     CustomSlider& bar_;
@@ -109,6 +116,7 @@ private:
     Requests requests_;
     SourceFactsReader facts_;
     std::unique_ptr<cutterWinController> mCutterWincontroller;
+    CutEvents events_;
 
     QString filename_;
     float mDuration = 0;
