@@ -135,7 +135,7 @@ RunReport LibavOperations::carryOut(const Job& job, ConversionEngine& engine) {
         }
         velmora::run(job, progress, engine.stopRequested);
         if (engine.stopRequested == 0 && engine.fileStates[0] == ConversionEngine::Done) {
-            return {differenceOf(job)};
+            return {differenceOf(job, &engine.stopRequested)};
         }
     } catch (const std::exception& failure) { // without memory or threads
         av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());

@@ -112,8 +112,8 @@ bool showsLastPicture(InputMedia& input) {
     return true;
 }
 
-std::optional<std::int64_t> countPictures(const std::string& path) {
-    InputMedia input(path, nullptr);
+std::optional<std::int64_t> countPictures(const std::string& path, const StopFlag* stop) {
+    InputMedia input(path, stop);
     if (input.open() < 0 || input.readStreamInfo() < 0 || input.videoStream() == nullptr) {
         return std::nullopt;
     }
@@ -181,9 +181,9 @@ std::string openingDifference(InputMedia& input, const WrittenPlan& plan) {
 }
 
 /// In the words in which the source is spoken of.
-std::string causeOf(const Job& job) {
+std::string causeOf(const Job& job, const StopFlag* stop) {
     for (const std::string& path : job.inputPaths) {
-        if (readFacts(path, nullptr).variesIntervals) {
+        if (readFacts(path, stop).variesIntervals) {
             return job.joins ? ": the pictures of one of them come at varying intervals."
                              : ": this video's pictures come at varying intervals.";
         }
@@ -200,22 +200,21 @@ double plannedSeconds(const Job& job) {
 }
 
 /// A cut beyond the end of its source takes what there is.
-double secondsToBeHad(const Job& job, double planned) {
-    InputMedia source(job.inputPaths.front(), nullptr);
+double secondsToBeHad(const Job& job, double planned, const StopFlag* stop) {
+    InputMedia source(job.inputPaths.front(), stop);
     if (job.joins || source.open() < 0 || source.readStreamInfo() < 0 || !(lengthOf(source) > 0)) {
         return planned;
     }
     return std::clamp(lengthOf(source) - job.startSeconds.front(), 0.0, planned);
 }
 
-} // namespace
-
-std::string differenceOf(const std::string& path, const WrittenPlan& plan) {
-    InputMedia input(path, nullptr);
+std::string plannedDifference(const std::string& path, const WrittenPlan& plan,
+                              const StopFlag* stop) {
+    InputMedia input(path, stop);
     if (std::string difference = openingDifference(input, plan); !difference.empty()) {
         return difference;
     }
-    if (const auto count = plan.pictures ? countPictures(path) : std::nullopt;
+    if (const auto count = plan.pictures ? countPictures(path, stop) : std::nullopt;
         count && *count != *plan.pictures) {
         return "The file has " + std::to_string(*count) + " pictures, " +
                std::to_string(*plan.pictures) + " were written.";
@@ -227,15 +226,15 @@ std::string differenceOf(const std::string& path, const WrittenPlan& plan) {
     return {};
 }
 
-std::string differenceOf(const Job& job) {
-    InputMedia written(job.outputPaths.front(), nullptr);
+std::string differenceFromJob(const Job& job, const StopFlag* stop) {
+    InputMedia written(job.outputPaths.front(), stop);
     if (std::string difference = openingDifference(written, WrittenPlan()); !difference.empty()) {
         return difference;
     }
     WrittenPlan plan;
     plan.seconds = plannedSeconds(job);
     if (!isAsLong(secondsOf(written), plan)) {
-        plan.seconds = secondsToBeHad(job, plan.seconds);
+        plan.seconds = secondsToBeHad(job, plan.seconds, stop);
     }
     if (isAsLong(secondsOf(written), plan)) {
         return {};
@@ -244,7 +243,22 @@ std::string differenceOf(const Job& job) {
     return told +
            (job.joins ? "its parts are " + text(plan.seconds) + " together"
                       : text(plan.seconds) + " were marked") +
-           causeOf(job);
+           causeOf(job, stop);
+}
+
+/// What has been read before a stop says nothing.
+std::string unlessStopped(std::string difference, const StopFlag* stop) {
+    return isRaised(stop) ? std::string() : difference;
+}
+
+} // namespace
+
+std::string differenceOf(const std::string& path, const WrittenPlan& plan, const StopFlag* stop) {
+    return unlessStopped(plannedDifference(path, plan, stop), stop);
+}
+
+std::string differenceOf(const Job& job, const StopFlag* stop) {
+    return unlessStopped(differenceFromJob(job, stop), stop);
 }
 
 } // namespace velmora

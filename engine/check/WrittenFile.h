@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Job.h"
+#include "StopFlag.h"
 
 #include <cstdint>
 #include <optional>
@@ -19,11 +20,12 @@ struct WrittenPlan {
 
 /// Opens the file again and looks whether it is what was planned: whether it opens and has its
 /// streams, whether its first and its last picture can be shown, how many pictures it has and how
-/// long it is. What differs, as one sentence; empty when nothing does.
-std::string differenceOf(const std::string& path, const WrittenPlan& plan);
+/// long it is. What differs, as one sentence; empty when nothing does,
+/// and once `stop` is raised; null: never.
+std::string differenceOf(const std::string& path, const WrittenPlan& plan, const StopFlag* stop);
 
 /// The same for what a job that is not exact has written: its length is that of the
 /// marked stretch, or of all inputs of a join, within a second and a tenth of it.
-std::string differenceOf(const Job& job);
+std::string differenceOf(const Job& job, const StopFlag* stop);
 
 } // namespace velmora

@@ -10,18 +10,6 @@ extern "C" {
 #include <utility>
 
 namespace velmora {
-namespace {
-
-/// What a picture of the stream lasts, in its ticks, where nothing else is known.
-std::int64_t ticksPerPicture(const AVStream& stream) {
-    const AVRational rate = correctedFrameRate(stream.r_frame_rate);
-    if (rate.num <= 0 || rate.den <= 0) {
-        return 1;
-    }
-    return std::max(av_rescale_q(1, av_inv_q(rate), stream.time_base), INT64_C(1));
-}
-
-} // namespace
 
 DecodedStream::DecodedStream(std::string path, Kind kind, const StopFlag* stop)
     : path_(std::move(path)), kind_(kind), stop_(stop) {}
@@ -176,9 +164,17 @@ void DecodedStream::decodeOne() {
     }
 }
 
+std::int64_t DecodedStream::ticksPerPicture() const {
+    const AVRational rate = correctedFrameRate(stream_->r_frame_rate);
+    if (rate.num <= 0 || rate.den <= 0) {
+        return 1;
+    }
+    return std::max(av_rescale_q(1, av_inv_q(rate), stream_->time_base), INT64_C(1));
+}
+
 void DecodedStream::noteTime(const AVPacket& packet) {
     const bool hasTime = packet.dts != AV_NOPTS_VALUE;
-    times_.push(hasTime ? packet.dts : untimed_ * ticksPerPicture(*stream_));
+    times_.push(hasTime ? packet.dts : untimed_ * ticksPerPicture());
     ++untimed_;
 }
 

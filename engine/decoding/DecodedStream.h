@@ -44,6 +44,8 @@ public:
     /// Whether only the order of its pictures tells their times: it can then be decoded from its
     /// beginning alone.
     bool isTimedByOrder() const { return timedByOrder_; }
+    /// What a picture lasts, in ticks, where nothing else is known; at least 1.
+    std::int64_t ticksPerPicture() const;
     /// Packets that could not be decoded so far.
     std::int64_t damagedPackets() const { return damaged_; }
 

@@ -1,6 +1,5 @@
 #include "PictureReader.h"
 
-#include "FrameRate.h"
 #include "TimeBases.h"
 
 #include <algorithm>
@@ -28,12 +27,10 @@ int PictureReader::open() {
 }
 
 int PictureReader::goTo(std::int64_t us) {
-    pending_.reset();
+    forget();
     skipped_.reset();
-    lastTime_ = AV_NOPTS_VALUE;
     if (!goToKeyFrameBefore(us)) {
-        pending_.reset(); // of a place that was no good
-        lastTime_ = AV_NOPTS_VALUE;
+        forget(); // a place that was no good
         if (const int result = pictures_.rewind(); result < 0) {
             return result;
         }
@@ -45,6 +42,13 @@ int PictureReader::goTo(std::int64_t us) {
     }
     pending_ = std::move(picture);
     return 0;
+}
+
+/// Decoding begins somewhere else.
+void PictureReader::forget() {
+    pending_.reset();
+    early_.clear();
+    lastTime_ = AV_NOPTS_VALUE;
 }
 
 /// Finds the last key frame that is not shown after `us`, and from which the pictures can really be
@@ -79,8 +83,8 @@ bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
 /// shown of them. Whether the key frame itself is.
 bool PictureReader::startAt(PacketHandle key) {
     const std::int64_t time = timeOf(*key);
+    forget();
     pictures_.decodeFrom(std::move(key));
-    lastTime_ = AV_NOPTS_VALUE;
     pending_ = nextInTime();
     return pending_ != nullptr && pending_->pts <= time;
 }
@@ -94,7 +98,7 @@ FrameHandle PictureReader::nextInTime() {
     if (pending_ != nullptr) {
         return std::move(pending_);
     }
-    while (FrameHandle picture = pictures_.next()) {
+    while (FrameHandle picture = nextDecoded()) {
         if (picture->pts == AV_NOPTS_VALUE && lastTime_ != AV_NOPTS_VALUE) {
             picture->pts = lastTime_ + durationOf(*picture);
         }
@@ -105,6 +109,40 @@ FrameHandle PictureReader::nextInTime() {
         }
     }
     return nullptr;
+}
+
+/// Those at the very beginning that have no time, as Matroska's have below 0, come before the first
+/// one that has.
+FrameHandle PictureReader::nextDecoded() {
+    if (early_.empty()) {
+        FrameHandle picture = pictures_.next();
+        if (picture == nullptr || picture->pts != AV_NOPTS_VALUE || lastTime_ != AV_NOPTS_VALUE) {
+            return picture;
+        }
+        readEarly(std::move(picture));
+    }
+    FrameHandle picture = std::move(early_.front());
+    early_.pop_front();
+    return picture;
+}
+
+void PictureReader::readEarly(FrameHandle first) {
+    constexpr std::size_t kMost = 32; // kept in memory, decoded
+    for (FrameHandle picture = std::move(first); picture != nullptr; picture = pictures_.next()) {
+        early_.push_back(std::move(picture));
+        if (early_.back()->pts != AV_NOPTS_VALUE) {
+            break;
+        }
+        if (early_.size() > kMost) {
+            early_.pop_front();
+        }
+    }
+    std::int64_t time = early_.back()->pts;
+    for (auto picture = early_.rbegin(); time != AV_NOPTS_VALUE && picture != early_.rend();
+         ++picture) {
+        (*picture)->pts = time;
+        time -= pictures_.ticksPerPicture();
+    }
 }
 
 FrameHandle PictureReader::pictureAt(std::int64_t us) {
@@ -120,14 +158,7 @@ bool PictureReader::isBefore(const AVFrame& picture, std::int64_t us) const {
 }
 
 std::int64_t PictureReader::durationOf(const AVFrame& picture) const {
-    if (picture.pkt_duration > 0) {
-        return picture.pkt_duration;
-    }
-    const AVRational rate = correctedFrameRate(stream().r_frame_rate);
-    if (rate.num <= 0 || rate.den <= 0) {
-        return 1;
-    }
-    return std::max(av_rescale_q(1, av_inv_q(rate), timeBase()), INT64_C(1));
+    return picture.pkt_duration > 0 ? picture.pkt_duration : pictures_.ticksPerPicture();
 }
 
 } // namespace velmora

@@ -3,6 +3,7 @@
 #include "DecodedStream.h"
 
 #include <cstdint>
+#include <deque>
 #include <string>
 
 namespace velmora {
@@ -38,12 +39,16 @@ public:
 private:
     bool goToKeyFrameBefore(std::int64_t us);
     bool startAt(PacketHandle key);
+    void forget();
     FrameHandle nextInTime();
+    FrameHandle nextDecoded();
+    void readEarly(FrameHandle first);
     bool isBefore(const AVFrame& picture, std::int64_t us) const;
 
     DecodedStream pictures_;
-    FrameHandle pending_; ///< to be given next
-    FrameHandle skipped_; ///< the last one before the time that was asked for
+    FrameHandle pending_;           ///< to be given next
+    std::deque<FrameHandle> early_; ///< decoded to find out when the first of them is shown
+    FrameHandle skipped_;           ///< the last one before the time that was asked for
     std::int64_t lastTime_ = AV_NOPTS_VALUE;
 };
 

@@ -44,7 +44,8 @@ TEST_F(Check, copy_beginsWithoutKeyFrame_isTold) {
 TEST_F(Check, file_isNone_isTold) {
     const std::string path = folder_ / "file.mp4";
     writeFile(path, "nothing of the kind");
-    EXPECT_EQ(differenceOf(path, WrittenPlan()), "The written file cannot be opened again.");
+    EXPECT_EQ(differenceOf(path, WrittenPlan(), nullptr),
+              "The written file cannot be opened again.");
 }
 
 TEST_F(Check, file_lacksAStream_isTold) {
@@ -55,8 +56,8 @@ TEST_F(Check, file_lacksAStream_isTold) {
         mediaMadeBy("-f lavfi -i sine=duration=1 -c:a aac", "exact-sound.m4a");
     WrittenPlan plan;
     plan.hasSound = true;
-    EXPECT_EQ(differenceOf(mute, plan), "The written file has no sound.");
-    EXPECT_EQ(differenceOf(sound, plan), "The written file has no pictures.");
+    EXPECT_EQ(differenceOf(mute, plan, nullptr), "The written file has no sound.");
+    EXPECT_EQ(differenceOf(sound, plan, nullptr), "The written file has no pictures.");
 }
 
 TEST_F(Check, file_hasOtherNumberOrLength_isTold) {
@@ -65,17 +66,17 @@ TEST_F(Check, file_hasOtherNumberOrLength_isTold) {
     plan.isExact = true;
     plan.pictures = 50;
     plan.seconds = 2.0;
-    EXPECT_EQ(differenceOf(path, plan), "");
+    EXPECT_EQ(differenceOf(path, plan, nullptr), "");
     plan.pictures = 49;
-    EXPECT_EQ(differenceOf(path, plan), "The file has 50 pictures, 49 were written.");
+    EXPECT_EQ(differenceOf(path, plan, nullptr), "The file has 50 pictures, 49 were written.");
     plan.pictures.reset();
     plan.seconds = 1.8;
-    EXPECT_EQ(differenceOf(path, plan), "The file is 2.0 s long, 1.8 s were marked.");
+    EXPECT_EQ(differenceOf(path, plan, nullptr), "The file is 2.0 s long, 1.8 s were marked.");
     plan.seconds = 2.5;
     plan.lastPictureSeconds = 2.4;
-    EXPECT_EQ(differenceOf(path, plan), "The file is 2.0 s long, 2.5 s were marked.");
+    EXPECT_EQ(differenceOf(path, plan, nullptr), "The file is 2.0 s long, 2.5 s were marked.");
     plan.lastPictureSeconds = 1.96; // shown for long, as not every container can tell
-    EXPECT_EQ(differenceOf(path, plan), "");
+    EXPECT_EQ(differenceOf(path, plan, nullptr), "");
 }
 
 TEST_F(Check, file_lastPicturesAreDamaged_isTold) {
@@ -87,7 +88,7 @@ TEST_F(Check, file_lastPicturesAreDamaged_isTold) {
     std::fill(content.begin() + static_cast<std::ptrdiff_t>(content.size() / 2), content.end(),
               std::uint8_t{0x55});
     writeFile(path, content);
-    EXPECT_EQ(differenceOf(path, WrittenPlan()),
+    EXPECT_EQ(differenceOf(path, WrittenPlan(), nullptr),
               "The last picture of the written file cannot be shown.");
 }
 
@@ -99,23 +100,24 @@ TEST_F(Check, job_longerThanMarked_isToldWithItsCause) {
     Job job;
     job.add(source, exactSource("plain.mp4"), 0.0, 1.0); // as if that had been written: 2 s
 
-    EXPECT_EQ(differenceOf(job), "The file is 2.0 s long, 1.0 s were marked: this video's pictures "
-                                 "come at varying intervals.");
+    EXPECT_EQ(differenceOf(job, nullptr),
+              "The file is 2.0 s long, 1.0 s were marked: this video's pictures "
+              "come at varying intervals.");
 }
 
 TEST_F(Check, job_markedBeyondTheSource_endsWhereThatDoes) {
     Job job;
     job.add(exactSource("plain.mp4"), exactSource("plain.mp4"), 0.0, 50.0);
-    EXPECT_EQ(differenceOf(job), "");
+    EXPECT_EQ(differenceOf(job, nullptr), "");
 }
 
 TEST_F(Check, join_isComparedWithAllParts) {
     Job job;
     job.joins = true;
     job.add(exactSource("plain.mp4"), exactSource("plain.mp4"), 0.0, 0.002);
-    EXPECT_EQ(differenceOf(job), "");
+    EXPECT_EQ(differenceOf(job, nullptr), "");
     job.add(exactSource("plain.mp4"), exactSource("plain.mp4"), 0.0, 0.002);
-    EXPECT_EQ(differenceOf(job), "The file is 2.0 s long, its parts are 4.0 s together.");
+    EXPECT_EQ(differenceOf(job, nullptr), "The file is 2.0 s long, its parts are 4.0 s together.");
 }
 
 TEST_F(Check, facts_intervals) {
@@ -142,6 +144,11 @@ TEST_F(Check, facts_soundDelayAndTurn) {
     EXPECT_FALSE(factsOf(turned).mirrored);
     EXPECT_EQ(factsOf(exactSource("plain.mp4")).quarterTurns, 0);
     EXPECT_FALSE(factsOf("/nowhere.mp4").hasPictures);
+}
+
+TEST_F(Check, onceStopped_saysNothing) {
+    const StopFlag stop{1};
+    EXPECT_EQ(differenceOf(folder_ / "nothing.mp4", WrittenPlan(), &stop), "");
 }
 
 } // namespace

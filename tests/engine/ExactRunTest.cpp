@@ -190,6 +190,18 @@ TEST_F(Exact, cut_damagedInTheMiddle_keepsTimesAndSaysHowMuch) {
     EXPECT_NEAR(endOf(output, "v:0"), 2.0, 0.001);
 }
 
+TEST_F(Exact, cut_timesBelowZero_picturesThatLackThemAreThere) {
+    const std::string source = mediaMadeBy(
+        "-i " + exactSource("plain.mp4") +
+            " -map 0 -c copy -avoid_negative_ts disabled -output_ts_offset -0.2 -f matroska",
+        "exact-below-zero.mkv");
+    const std::string output = folder_ / "out.mp4";
+
+    cut(source, 0, 500, output);
+
+    EXPECT_EQ(pictureTimes(output).size(), 12U); // from 0.02 to 0.46
+}
+
 TEST_F(Exact, cut_stopped_endsWithoutAState) {
     const AtRunPoint stop(RunPoint::Packet, [this](int) { engine_.stopRequested = 1; });
 
