@@ -67,7 +67,8 @@ int ExactOutput::addStreams(const ExactInput& first, bool hasSound) {
     if (result >= 0 && hasSound) {
         result = addSound(first);
     }
-    return result < 0 ? result : addTags(first);
+    copyFileTags(*first.media().container(), output_->tags());
+    return result;
 }
 
 int ExactOutput::addPictures(const ExactInput& first) {
@@ -130,15 +131,15 @@ int ExactOutput::addSound(const ExactInput& first) {
     return result;
 }
 
-/// A join's chapters would have to be told before the lengths of its parts are known.
-int ExactOutput::addTags(const ExactInput& first) {
-    copyFileTags(*first.media().container(), output_->tags());
-    if (job_.joins) {
-        return 0;
-    }
-    const std::int64_t start =
-        av_rescale_q(first.origin(), first.pictureStream().time_base, kMicrosecond);
-    return copyChapters(*first.media().container(), start, first.endUs(), output_->container());
+int ExactOutput::addChapters(const ExactInput& input, std::int64_t begin, std::int64_t end) {
+    const std::int64_t beginUs = av_rescale_q(begin, pace_.timeBase, kMicrosecond);
+    const std::int64_t endUs = av_rescale_q(end, pace_.timeBase, kMicrosecond);
+    const std::int64_t startUs =
+        av_rescale_q(input.origin(), input.pictureStream().time_base, kMicrosecond);
+    return copyChapters(
+        *input.media().container(),
+        {.startUs = startUs, .endUs = startUs + endUs - beginUs, .outputUs = beginUs},
+        output_->container());
 }
 
 double ExactOutput::soundSeconds() const {

@@ -23,6 +23,9 @@ public:
 
     /// Opens the encoders and the file, and writes the header. 0 or a negative libav error code.
     int begin(const ExactInput& first, bool hasSound);
+    /// Those of the input, which is between both times of the output, ticks of the pace's time
+    /// base. 0 or a negative code.
+    int addChapters(const ExactInput& input, std::int64_t begin, std::int64_t end);
     /// Writes what the encoders hold, and the trailer. `end` is that of the last input, in ticks of
     /// the pace's time base. 0 or a negative code.
     int finish(std::int64_t end);
@@ -54,7 +57,6 @@ private:
     int addPictures(const ExactInput& first);
     int openVideoEncoder(const AVStream& source, AVRational duration);
     int addSound(const ExactInput& first);
-    int addTags(const ExactInput& first);
 
     const Job& job_;
     const StopFlag& stop_;

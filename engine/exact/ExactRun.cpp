@@ -216,9 +216,14 @@ int ExactJob::endInput() {
             end = output_.timeAfter(samples);
         }
     }
-    const int ended = output_.pictures().endAt(end);
+    if (result >= 0) {
+        result = output_.pictures().endAt(end);
+    }
+    if (result >= 0) {
+        result = output_.addChapters(*input_, begins_, end);
+    }
     begins_ = end;
-    return result < 0 ? result : ended;
+    return result;
 }
 
 int ExactJob::endSound(std::int64_t end) {

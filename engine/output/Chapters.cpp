@@ -31,22 +31,23 @@ int append(ChapterHandle chapter, AVFormatContext& output) {
 
 } // namespace
 
-int copyChapters(const AVFormatContext& input, std::int64_t startUs, std::int64_t endUs,
+int copyChapters(const AVFormatContext& input, const ChapterStretch& stretch,
                  AVFormatContext& output) {
+    const std::int64_t shift = stretch.outputUs - stretch.startUs;
     for (const AVChapter* from : std::span(input.chapters, input.nb_chapters)) {
         const std::int64_t begin = av_rescale_q(from->start, from->time_base, kMicrosecond);
         const std::int64_t end = av_rescale_q(from->end, from->time_base, kMicrosecond);
-        if (begin >= endUs || end <= startUs) {
+        if (begin >= stretch.endUs || end <= stretch.startUs) {
             continue;
         }
         ChapterHandle chapter(static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter))));
         if (chapter == nullptr) {
             return AVERROR(ENOMEM);
         }
-        chapter->id = from->id;
+        chapter->id = static_cast<std::int64_t>(output.nb_chapters); // each its own
         chapter->time_base = kMicrosecond;
-        chapter->start = std::max(begin, startUs) - startUs;
-        chapter->end = std::min(end, endUs) - startUs;
+        chapter->start = std::max(begin, stretch.startUs) + shift;
+        chapter->end = std::min(end, stretch.endUs) + shift;
         int result = av_dict_copy(&chapter->metadata, from->metadata, 0);
         if (result >= 0) {
             result = append(std::move(chapter), output);

@@ -148,26 +148,53 @@ TEST_F(Exact, cut_languageAndTitle_areCarried) {
     EXPECT_EQ(ffprobeJson(output, {"-show_format"}).at("format").at("tags").at("title"), "Holiday");
 }
 
-TEST_F(Exact, cut_chapters_areShiftedAndClipped) {
-    const std::string list = folder_ / "chapters";
+/// Two seconds with chapters that begin at 0, 0.5 and 1.2.
+std::string sourceWithChapters(const TemporaryFolder& folder) {
+    const std::string list = folder / "chapters";
     writeFile(list, ";FFMETADATA1\n"
                     "[CHAPTER]\nTIMEBASE=1/1000\nSTART=0\nEND=500\ntitle=first\n"
                     "[CHAPTER]\nTIMEBASE=1/1000\nSTART=500\nEND=1200\ntitle=second\n"
                     "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1200\nEND=2000\ntitle=third\n");
-    const std::string source = folder_ / "source.mkv";
+    std::string source = folder / "source.mkv";
     runProgram({"ffmpeg", "-v", "error", "-nostdin", "-i", exactSource("plain.mp4"), "-i", list,
                 "-map", "0:v", "-map_chapters", "1", "-c", "copy", source});
+    return source;
+}
+
+/// "title begin end" of each chapter.
+std::vector<std::string> chaptersOf(const std::string& path) {
+    std::vector<std::string> told;
+    const auto probed = ffprobeJson(path, {"-show_chapters"});
+    for (const auto& chapter : probed.at("chapters")) {
+        told.push_back(chapter.at("tags").at("title").get<std::string>() + " " +
+                       chapter.at("start_time").get<std::string>() + " " +
+                       chapter.at("end_time").get<std::string>());
+    }
+    return told;
+}
+
+TEST_F(Exact, cut_chapters_areShiftedAndClipped) {
+    const std::string source = sourceWithChapters(folder_);
+    for (const char* const name : {"out.mkv", "out.mp4"}) {
+        const std::string output = folder_ / name;
+
+        cut(source, 800, 1600, output);
+
+        EXPECT_EQ(chaptersOf(output),
+                  (std::vector<std::string>{"second 0.000000 0.400000", "third 0.400000 0.800000"}))
+            << name;
+    }
+}
+
+TEST_F(Exact, join_chapters_areAtTheirInputsPlaces) {
+    const std::string source = sourceWithChapters(folder_);
     const std::string output = folder_ / "out.mkv";
 
-    cut(source, 800, 1600, output);
+    join({exactSource("plain.mp4"), source}, output);
 
-    const auto chapters = ffprobeJson(output, {"-show_chapters"}).at("chapters");
-    ASSERT_EQ(chapters.size(), 2U);
-    EXPECT_EQ(chapters[0].at("tags").at("title"), "second");
-    EXPECT_EQ(chapters[0].at("start_time"), "0.000000");
-    EXPECT_EQ(chapters[0].at("end_time"), "0.400000");
-    EXPECT_EQ(chapters[1].at("start_time"), "0.400000");
-    EXPECT_EQ(chapters[1].at("end_time"), "0.800000");
+    EXPECT_EQ(chaptersOf(output),
+              (std::vector<std::string>{"first 2.000000 2.500000", "second 2.500000 3.200000",
+                                        "third 3.200000 4.000000"}));
 }
 
 TEST_F(Exact, cut_damagedInTheMiddle_keepsTimesAndSaysHowMuch) {
