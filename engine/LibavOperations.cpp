@@ -1,3 +1,4 @@
+#include "CauseOfFailure.h"
 #include "ConversionEngine.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
@@ -15,7 +16,9 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
+#include <algorithm>
 #include <exception>
+#include <span>
 
 namespace velmora {
 namespace {
@@ -71,6 +74,15 @@ void refuse(const Job& job, ConversionEngine& engine) {
     engine.currentIndex = job.inputCount;
 }
 
+/// Some runs end without a word on their inputs.
+bool hasFailed(const ConversionEngine& engine, const Job& job) {
+    const std::span states(engine.fileStates.data(),
+                           std::min(job.inputPaths.size(), engine.fileStates.size()));
+    return engine.stopRequested == 0 && std::ranges::any_of(states, [](const auto& state) {
+               return state != ConversionEngine::Done;
+           });
+}
+
 class LibavOperations final : public MediaOperations {
 public:
     LibavOperations() { routeLibraryLog(); }
@@ -85,6 +97,7 @@ public:
         return velmora::writePicture(path, timeMs, picturePath);
     }
     std::int32_t snapshot(ConversionEngine& engine) override;
+    FailureCause causeOfRefusal() const override { return causeOfRefusal_; }
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
     const char* codecName(std::int32_t codecId) override {
         return avcodec_get_name(static_cast<AVCodecID>(codecId));
@@ -95,11 +108,15 @@ private:
     static RunReport carryOut(const Job& job, ConversionEngine& engine);
 
     PreviewFile preview_;
+    FailureCause causeOfRefusal_;
     SampleAspectRatio sampleAspectRatio_;
 };
 
 std::int32_t LibavOperations::probe(ConversionEngine& engine) {
+    const FirstFailure first;
     const ProbeResults results = velmora::probe(engine.probePath);
+    const bool refuses = results.code != ProbeResults::Success && first.found();
+    causeOfRefusal_ = refuses ? causeOf(*first.found()) : FailureCause();
     storeStreams(engine, results.streams);
     if (results.code == ProbeResults::Success) {
         storeVideo(engine, results.video);
@@ -112,7 +129,12 @@ std::int32_t LibavOperations::probe(ConversionEngine& engine) {
 
 /// What the run tells goes to the log, too.
 RunReport LibavOperations::run(const Job& job, ConversionEngine& engine) {
+    const FirstFailure first;
     RunReport report = carryOut(job, engine);
+    if (first.found() && hasFailed(engine, job)) {
+        const ExpectedLogLines quiet(ExpectedLogLines::Kind::Everything);
+        report.cause = causeOf(*first.found(), job);
+    }
     if (!report.finding.empty()) {
         av_log(nullptr, AV_LOG_WARNING, "%s: %s\n", job.outputPaths.front().c_str(),
                report.finding.c_str());
@@ -135,7 +157,7 @@ RunReport LibavOperations::carryOut(const Job& job, ConversionEngine& engine) {
         }
         velmora::run(job, progress, engine.stopRequested);
         if (engine.stopRequested == 0 && engine.fileStates[0] == ConversionEngine::Done) {
-            return {differenceOf(job, &engine.stopRequested)};
+            return {.finding = differenceOf(job, &engine.stopRequested), .cause = {}};
         }
     } catch (const std::exception& failure) { // without memory or threads
         av_log(nullptr, AV_LOG_ERROR, "the run cannot go on: %s\n", failure.what());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FailureCause.h"
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
@@ -32,6 +33,8 @@ public:
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;
 
+    /// Why the last probe has refused its file; None when it has not.
+    virtual FailureCause causeOfRefusal() const = 0;
     /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
     virtual SampleAspectRatio sampleAspectRatio() const = 0;
     /// libavcodec's name of an AVCodecID; lives as long as the process.

@@ -1,5 +1,7 @@
 #include "EngineLog.h"
 
+#include "FirstFailure.h"
+
 extern "C" {
 #include <libavutil/error.h>
 #include <libavutil/log.h>
@@ -48,6 +50,59 @@ void passOn(void* object, int level, const char* format, va_list arguments) {
     }
 }
 
+const char* wordsFor(Operation operation) {
+    switch (operation) {
+    case Operation::OpenInput:
+        return "open";
+    case Operation::OpenNestedFile:
+        return "open from within a nested file";
+    case Operation::ReadStreamInfo:
+        return "read stream info";
+    case Operation::OpenDecoder:
+    case Operation::OpenSoundDecoder:
+        return "open decoder";
+    case Operation::OpenPictures:
+        return "open pictures";
+    case Operation::Seek:
+        return "seek";
+    case Operation::Resample:
+        return "resample";
+    case Operation::FilterPictures:
+        return "filter";
+    case Operation::ChooseContainer:
+        return "choose container";
+    case Operation::CreateOutput:
+        return "create output";
+    case Operation::SetUpStreams:
+        return "set up streams";
+    case Operation::OpenVideoEncoder:
+        return "open video encoder";
+    case Operation::OpenAudioEncoder:
+        return "open audio encoder";
+    case Operation::QueueSound:
+        return "queue";
+    case Operation::EncodeSound:
+        return "encode";
+    case Operation::OpenBesidesOutput:
+        return "open besides the output";
+    case Operation::BeginOutput:
+        return "begin output";
+    case Operation::WritePacket:
+        return "write packet";
+    case Operation::FinishOutput:
+        return "finish output";
+    case Operation::WritePicture:
+        return "write picture";
+    case Operation::FindPictures:
+    case Operation::FindFrameRate:
+    case Operation::FindWindow:
+    case Operation::UseContainer:
+    case Operation::KeepInputs:
+        break; // refused, in other words
+    }
+    return "";
+}
+
 } // namespace
 
 void setLogSink(LogSink sink) {
@@ -59,10 +114,21 @@ void routeLibraryLog() {
     av_log_set_callback(passOn);
 }
 
-void logFailure(const std::string& path, const char* operation, int code) {
+std::string errorText(int code) {
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(code, text.data(), text.size());
-    av_log(nullptr, AV_LOG_ERROR, "%s: %s: %s\n", path.c_str(), operation, text.data());
+    return text.data();
+}
+
+void logFailure(const std::string& path, Operation operation, int code) {
+    av_log(nullptr, AV_LOG_ERROR, "%s: %s: %s\n", path.c_str(), wordsFor(operation),
+           errorText(code).c_str());
+    FirstFailure::note({operation, path, code});
+}
+
+void logRefusal(const std::string& path, Operation operation, const std::string& why) {
+    av_log(nullptr, AV_LOG_ERROR, "%s: %s\n", path.c_str(), why.c_str());
+    FirstFailure::note({operation, path, AVERROR(EINVAL)});
 }
 
 ExpectedLogLines::ExpectedLogLines(Kind kind) {

@@ -14,8 +14,45 @@ void setLogSink(LogSink sink);
 /// Makes the libraries' log take the way of the engine's.
 void routeLibraryLog();
 
-/// Writes "PATH: OPERATION: the library's text for CODE" as an error.
-void logFailure(const std::string& path, const char* operation, int code);
+/// What can fail, or be refused.
+enum class Operation {
+    // By a library or the system.
+    OpenInput,
+    OpenNestedFile,
+    ReadStreamInfo,
+    OpenDecoder,
+    OpenSoundDecoder,
+    OpenPictures,
+    Seek,
+    Resample,
+    FilterPictures,
+    ChooseContainer,
+    CreateOutput,
+    SetUpStreams,
+    OpenVideoEncoder,
+    OpenAudioEncoder,
+    QueueSound,
+    EncodeSound,
+    OpenBesidesOutput,
+    BeginOutput,
+    WritePacket,
+    FinishOutput,
+    WritePicture,
+    // By the engine.
+    FindPictures,
+    FindFrameRate,
+    FindWindow,
+    UseContainer,
+    KeepInputs, ///< apart from the output
+};
+
+/// The library's or the system's text for a negative libav error code.
+std::string errorText(int code);
+
+/// Writes "PATH: the operation's words: the library's text for CODE" as an error.
+void logFailure(const std::string& path, Operation operation, int code);
+/// Writes "PATH: WHY" as an error.
+void logRefusal(const std::string& path, Operation operation, const std::string& why);
 
 /// While one lives, lines written by this thread that the engine provokes on purpose are dropped.
 class ExpectedLogLines {

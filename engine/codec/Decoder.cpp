@@ -36,7 +36,8 @@ int Decoder::open(const AVStream& stream, const std::string& path, Threads threa
     CodecContextHandle opened;
     const int result = openContext(stream, threads, opened);
     if (result < 0) {
-        logFailure(path, "open decoder", result);
+        const bool isSound = stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
+        logFailure(path, isSound ? Operation::OpenSoundDecoder : Operation::OpenDecoder, result);
         return result;
     }
     context_ = std::move(opened);

@@ -204,7 +204,7 @@ int SoundReader::prepareResampler(const AVFrame& sound) {
         result = swr_init(resampler_.get());
     }
     if (result < 0) {
-        logFailure(sound_.input().path(), "resample", result);
+        logFailure(sound_.input().path(), Operation::Resample, result);
     }
     return result;
 }
@@ -215,7 +215,7 @@ FrameHandle SoundReader::converted(const AVFrame* sound) {
     const int count = sound != nullptr ? sound->nb_samples : 0;
     const int room = swr_get_out_samples(resampler_.get(), count);
     if (room < 0 || room > kMaxSamplesPerFrame) {
-        logFailure(sound_.input().path(), "resample", AVERROR_INVALIDDATA);
+        logFailure(sound_.input().path(), Operation::Resample, AVERROR_INVALIDDATA);
         return nullptr;
     }
     FrameHandle result =

@@ -46,7 +46,7 @@ int ExactOutput::begin(const ExactInput& first, bool hasSound) {
     const std::string& path = job_.outputPaths[0];
     const AVOutputFormat* format = av_guess_format(nullptr, path.c_str(), nullptr);
     if (format == nullptr) {
-        logFailure(path, "choose container", AVERROR_MUXER_NOT_FOUND);
+        logFailure(path, Operation::ChooseContainer, AVERROR_MUXER_NOT_FOUND);
         return AVERROR_MUXER_NOT_FOUND;
     }
     output_.emplace(path);
@@ -55,8 +55,7 @@ int ExactOutput::begin(const ExactInput& first, bool hasSound) {
         result = addStreams(first, hasSound);
     }
     if (result >= 0 && InputFiles::mayReach(job_.inputPaths, path)) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input, or may be part of one\n",
-               path.c_str());
+        logRefusal(path, Operation::KeepInputs, "is also an input, or may be part of one");
         result = AVERROR(EEXIST);
     }
     return result < 0 ? result : output_->begin();
@@ -80,7 +79,7 @@ int ExactOutput::addPictures(const ExactInput& first) {
     pace_ = paceOf(job_, source, duration, isConstant);
     size_ = outputSize(job_.video, first.media());
     if (const int result = openVideoEncoder(source, duration); result < 0) {
-        logFailure(job_.inputPaths[0], "open video encoder", result);
+        logFailure(job_.inputPaths[0], Operation::OpenVideoEncoder, result);
         return result;
     }
     OutputStream* added = output_->addVideoStream(duration);
@@ -116,7 +115,7 @@ int ExactOutput::openVideoEncoder(const AVStream& source, AVRational duration) {
 int ExactOutput::addSound(const ExactInput& first) {
     int result = audioEncoder_.open(job_.audio, output_->format());
     if (result < 0) {
-        logFailure(job_.inputPaths[0], "open audio encoder", result);
+        logFailure(job_.inputPaths[0], Operation::OpenAudioEncoder, result);
         return result;
     }
     OutputStream* added = output_->addAudioStream({1, job_.audio.sampleRate});

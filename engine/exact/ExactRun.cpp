@@ -106,9 +106,9 @@ int ExactJob::openInput(std::size_t index) {
     input_.emplace(path, window, &stop_);
     const int result = input_->open();
     if (result == AVERROR(ERANGE)) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: no picture between both times\n", path.c_str());
+        logRefusal(path, Operation::FindWindow, "no picture between both times");
     } else if (result < 0) {
-        logFailure(path, "open pictures", result);
+        logFailure(path, Operation::OpenPictures, result);
     }
     return result;
 }

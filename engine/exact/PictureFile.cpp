@@ -56,7 +56,7 @@ std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
     constexpr std::int64_t kUsPerMs = 1000;
     constexpr std::int64_t kHalfMsUs = 500;
     if (InputFiles::mayReach({path}, picturePath)) {
-        logFailure(picturePath, "write picture", AVERROR(EEXIST));
+        logFailure(picturePath, Operation::WritePicture, AVERROR(EEXIST));
         return AVERROR(EEXIST);
     }
     PictureReader reader(path, nullptr);
@@ -71,7 +71,7 @@ std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
     const PacketHandle png = picture != nullptr ? encodedAsPng(*picture) : nullptr;
     const int result = png != nullptr ? writeWhole(picturePath, *png) : AVERROR_INVALIDDATA;
     if (result < 0) {
-        logFailure(picturePath, "write picture", result);
+        logFailure(picturePath, Operation::WritePicture, result);
     }
     return result;
 }

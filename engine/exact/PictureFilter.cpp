@@ -110,7 +110,7 @@ int PictureFilter::send(FrameHandle picture) {
             sendEnd();
         }
         if (const int result = build(*picture, form); result < 0) {
-            logFailure("pictures", "filter", result);
+            logFailure("pictures", Operation::FilterPictures, result);
             return result;
         }
     }

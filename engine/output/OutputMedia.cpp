@@ -22,7 +22,7 @@ bool writesOneFile(const AVOutputFormat& format) {
 /// The output's file is opened for the muxer; every other one is refused.
 int refuseFile(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* url, int /*flags*/,
                AVDictionary** /*options*/) {
-    logFailure(url, "open besides the output", AVERROR(EACCES));
+    logFailure(url, Operation::OpenBesidesOutput, AVERROR(EACCES));
     return AVERROR(EACCES);
 }
 
@@ -30,15 +30,15 @@ int refuseFile(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* u
 
 int OutputMedia::create(const AVOutputFormat& format) {
     if (!writesOneFile(format)) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: %s is not written as one file\n", path_.c_str(),
-               format.name);
+        logRefusal(path_, Operation::UseContainer,
+                   std::string(format.name) + " is not written as one file");
         return AVERROR(EINVAL);
     }
     AVFormatContext* context = nullptr;
     const int result = avformat_alloc_output_context2(&context, &format, nullptr, path_.c_str());
     context_.reset(context);
     if (result < 0) {
-        logFailure(path_, "create output", result);
+        logFailure(path_, Operation::CreateOutput, result);
         return result;
     }
     context->io_open = refuseFile;
@@ -77,7 +77,7 @@ int OutputMedia::begin() {
         result = writeHeader();
     }
     if (result < 0) {
-        logFailure(path_, "begin output", result);
+        logFailure(path_, Operation::BeginOutput, result);
         file_.abandon();
         context_->pb = nullptr;
         return result;
@@ -108,7 +108,7 @@ int OutputMedia::write(const OutputStream& stream, AVPacket& packet) {
     packet.time_base = stream.stream->time_base;
     const int result = av_interleaved_write_frame(context_.get(), &packet);
     if (result < 0) {
-        logFailure(path_, "write packet", result);
+        logFailure(path_, Operation::WritePacket, result);
     }
     return result;
 }
@@ -120,7 +120,7 @@ int OutputMedia::finish() {
     context_->pb = nullptr;
     const int result = trailer < 0 ? trailer : closing;
     if (result < 0) {
-        logFailure(path_, "finish output", result);
+        logFailure(path_, Operation::FinishOutput, result);
     }
     return result;
 }

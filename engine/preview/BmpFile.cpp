@@ -97,7 +97,7 @@ void writeBmp(std::uint8_t* pixels, const std::string& path, int width, int heig
     flipRows(pixels, stride, rows);
     if (!writeAll(file.get(), bmpHeader(columns, rows)) ||
         !writeAll(file.get(), {pixels, stride * rows})) {
-        logFailure(path, "write picture", AVERROR(errno));
+        logFailure(path, Operation::WritePicture, AVERROR(errno));
     }
 }
 

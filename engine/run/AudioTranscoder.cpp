@@ -82,7 +82,7 @@ int AudioTranscoder::prepareResampler(const AVFrame& sound) {
         result = swr_init(resampler_.get());
     }
     if (result < 0) {
-        logFailure("sound", "resample", result);
+        logFailure("sound", Operation::Resample, result);
     }
     return result;
 }
@@ -97,7 +97,7 @@ FrameHandle AudioTranscoder::resampled(const AVFrame& sound) {
     const std::int64_t room = av_rescale_rnd(waiting + sound.nb_samples, target.sample_rate,
                                              sound.sample_rate, AV_ROUND_UP);
     if (room <= 0 || room > kMaxSamplesPerFrame) {
-        logFailure("sound", "resample", AVERROR_INVALIDDATA);
+        logFailure("sound", Operation::Resample, AVERROR_INVALIDDATA);
         return nullptr;
     }
     converted->nb_samples = static_cast<int>(room);

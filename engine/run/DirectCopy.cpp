@@ -1,6 +1,7 @@
 #include "DirectCopy.h"
 
 #include "AudioCopier.h"
+#include "EngineLog.h"
 #include "FrameRate.h"
 #include "StreamDescription.h"
 
@@ -11,7 +12,7 @@ int addVideo(const InputMedia& media, OutputMedia& output) {
     AVStream& source = *media.videoStream();
     const AVRational rate = correctedFrameRate(source.r_frame_rate);
     if (rate.num <= 0 || rate.den <= 0) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: no frame rate\n", media.path().c_str());
+        logRefusal(media.path(), Operation::FindFrameRate, "no frame rate");
         return AVERROR_INVALIDDATA;
     }
     const OutputStream* added = output.addVideoStream(av_inv_q(rate));

@@ -51,7 +51,7 @@ int Reencoding::setUpVideo(RunInput& input, OutputMedia& output, bool isFirst,
                            std::unique_ptr<VideoTranscoder>& pictures) {
     if (isFirst) {
         if (const int result = addVideo(input, output); result < 0) {
-            logFailure(input.media.path(), "open video encoder", result);
+            logFailure(input.media.path(), Operation::OpenVideoEncoder, result);
             return result;
         }
     }
@@ -122,7 +122,7 @@ int Reencoding::setUpAudio(RunInput& input, OutputMedia& output, bool isFirst,
         result = addAudio(encoder, *input.media.audioStream(), output);
     }
     if (result < 0) {
-        logFailure(input.media.path(), "open audio encoder", result);
+        logFailure(input.media.path(), Operation::OpenAudioEncoder, result);
         return result;
     }
     std::function<double()> drainPictures;

@@ -134,7 +134,7 @@ Step JobRun::createOutput() {
     const std::string& path = job_.outputPaths[index_];
     const AVOutputFormat* format = av_guess_format(nullptr, path.c_str(), nullptr);
     if (format == nullptr) {
-        logFailure(path, "choose container", AVERROR_MUXER_NOT_FOUND);
+        logFailure(path, Operation::ChooseContainer, AVERROR_MUXER_NOT_FOUND);
         return Step::InputFailed;
     }
     if (!isFirst()) {
@@ -145,7 +145,7 @@ Step JobRun::createOutput() {
         return Step::InputFailed;
     }
     if (input_->media.videoStream() == nullptr) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: no video stream\n", input_->media.path().c_str());
+        logRefusal(input_->media.path(), Operation::FindPictures, "no video stream");
         return Step::RunEnds;
     }
     return Step::Continue;
@@ -158,7 +158,7 @@ Step JobRun::setUpStreams() {
     }
     const int result = conversion_->setUp(*input_, *output_, isFirst(), handlers_);
     if (result < 0) {
-        logFailure(input_->media.path(), "set up streams", result);
+        logFailure(input_->media.path(), Operation::SetUpStreams, result);
         return Step::InputFailed;
     }
     return Step::Continue;
@@ -169,8 +169,8 @@ Step JobRun::beginOutput() {
         return Step::Continue;
     }
     if (InputFiles::mayReach(job_.inputPaths, job_.outputPaths[0])) {
-        av_log(nullptr, AV_LOG_ERROR, "%s: is also an input, or may be part of one\n",
-               job_.outputPaths[0].c_str());
+        logRefusal(job_.outputPaths[0], Operation::KeepInputs,
+                   "is also an input, or may be part of one");
         return Step::InputFailed;
     }
     copyFileTags(*input_->media.container(), output_->tags());
@@ -183,7 +183,8 @@ void JobRun::seekToStart() {
         return;
     }
     if (const int result = input_->media.seek(start); result < 0) {
-        logFailure(input_->media.path(), "seek", result); // the cut then starts where reading does
+        logFailure(input_->media.path(), Operation::Seek,
+                   result); // the cut then starts where reading does
     }
     progress_.startIs(index_, start);
 }

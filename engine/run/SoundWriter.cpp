@@ -11,7 +11,7 @@ namespace {
 /// Sound that cannot be encoded fails the input, which is read to its end all the same.
 PacketOutcome outcomeOf(int result) {
     if (result < 0) {
-        logFailure("sound", "encode", result);
+        logFailure("sound", Operation::EncodeSound, result);
     }
     return result < 0 ? PacketOutcome::FailedGoOn : PacketOutcome::Done;
 }
@@ -29,7 +29,7 @@ SoundWriter::SoundWriter(OutputMedia& output, OutputStream& stream, AudioEncoder
 // Sound for which there is no memory is left out, which does not fail the input.
 PacketOutcome SoundWriter::write(const AVFrame& sound) {
     if (const int result = encoder_.queue(sound); result < 0) {
-        logFailure("sound", "queue", result);
+        logFailure("sound", Operation::QueueSound, result);
     }
     return encodeWholeChunks();
 }

@@ -103,7 +103,7 @@ int InputFiles::openNested(AVFormatContext* context, AVIOContext** io, const cha
     auto* self = static_cast<InputFiles*>(context->opaque);
     // A demuxer's own context, which the library would close as if a protocol had been opened.
     if (self == nullptr) {
-        logFailure(url, "open from within a nested file", AVERROR(EACCES));
+        logFailure(url, Operation::OpenNestedFile, AVERROR(EACCES));
         return AVERROR(EACCES);
     }
     try {
@@ -123,7 +123,8 @@ int InputFiles::openNested(const char* url, AVIOContext** io) {
     auto reader = std::make_unique<FileReader>(stop_);
     const int result = openAllowed(url, *reader);
     if (result < 0) {
-        logFailure(path_, ("open nested file " + std::string(url)).c_str(), result);
+        logRefusal(path_, Operation::OpenNestedFile,
+                   "open nested file " + std::string(url) + ": " + errorText(result));
         return result;
     }
     *io = reader->io();

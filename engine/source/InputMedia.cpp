@@ -39,7 +39,7 @@ int InputMedia::open() {
         files_.endHeader();
     }
     if (result < 0) {
-        logFailure(path_, "open", result);
+        logFailure(path_, Operation::OpenInput, result);
     }
     return result;
 }
@@ -51,7 +51,7 @@ int InputMedia::isStopped(void* self) {
 int InputMedia::readStreamInfo() {
     const int result = findStreamInfo();
     if (result < 0) {
-        logFailure(path_, "read stream info", result);
+        logFailure(path_, Operation::ReadStreamInfo, result);
         return result;
     }
     pickStreams();

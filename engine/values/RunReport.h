@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FailureCause.h"
+
 #include <string>
 
 namespace velmora {
@@ -9,6 +11,8 @@ struct RunReport {
     /// One sentence on how the written file differs from what was to be written; empty when it does
     /// not, or when there is none.
     std::string finding;
+    /// Why an input failed, the first one if there are several.
+    FailureCause cause;
 };
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "CommonAction.h"
 #include "ConversionEngine.h"
+#include "FailureText.h"
 #include "ModalSession.h"
 #include "ProgressWindow.h"
 #include "RunLog.h"
@@ -231,7 +232,9 @@ AlertMore ConverterController::toTellOf(const ConversionRun* run) {
     if (run == nullptr || !countersAreOf(run)) {
         return {};
     }
-    return {QString::fromStdString(run->report().finding), RunLog::instance().text()};
+    const RunReport& report = run->report();
+    const QString finding = QString::fromStdString(report.finding);
+    return {finding.isEmpty() ? sentenceOf(report.cause) : finding, RunLog::instance().text()};
 }
 
 /// A run that went well and has left nothing to say needs no details.

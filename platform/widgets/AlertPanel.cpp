@@ -112,10 +112,12 @@ void runAlertPanelWith(const AlertMore& more, const QString& message) {
     QPushButton* const accept = box.addButton("OK", QMessageBox::AcceptRole);
     box.setDefaultButton(accept);
     box.setEscapeButton(accept);
-    QPushButton* const details = box.addButton("&Details…", QMessageBox::ActionRole);
-    details->disconnect(); // the box would close
-    QObject::connect(details, &QPushButton::clicked, &box,
-                     [&box, &more] { showDetails(box, more.details); });
+    if (!more.details.isEmpty()) {
+        QPushButton* const details = box.addButton("&Details…", QMessageBox::ActionRole);
+        details->disconnect(); // the box would close
+        QObject::connect(details, &QPushButton::clicked, &box,
+                         [&box, &more] { showDetails(box, more.details); });
+    }
     placeOverWindowInUse(box);
     box.exec();
 }

@@ -18,7 +18,7 @@ int runAlertPanel(const QString& title, const QString& message, const QString& d
 /// What an alert tells besides its message.
 struct AlertMore {
     QString sentence; ///< under the message; may be empty
-    QString details;  ///< shown when the user asks for them by "Details…"
+    QString details;  ///< shown when the user asks for them by "Details…"; may be empty
 };
 
 /// An alert without a title and with an OK button. The details are shown in a window of their own,

@@ -24,6 +24,7 @@ void AlertReader::answer() {
         labels.append(button->text());
     }
     messages.append(box->text());
+    sentences.append(box->informativeText());
     titles.append(box->windowTitle());
     buttons.append(labels.join('|'));
     QTest::mouseClick(box->defaultButton(), Qt::LeftButton);

@@ -15,6 +15,7 @@ public:
     /// Whether the alert may be answered already.
     std::function<bool()> mayAnswer = [] { return true; };
     QStringList messages;
+    QStringList sentences; ///< under them; empty where there is none
     QStringList titles;
     QStringList buttons; ///< the labels of each, joined
 

@@ -243,6 +243,8 @@ TEST_F(CutStartTest, start_folderMissing_isLeftToTheRunToFail) {
     AlertReader alerts;
     pressStart();
     EXPECT_EQ(alerts.messages, QStringList("File failed! please use re-encoding mode"));
+    EXPECT_EQ(alerts.sentences, QStringList("The folder “" + path("none") +
+                                            "” does not exist. Choose another folder."));
 }
 
 TEST_F(CutStartTest, start_frameSizeThatIsNone_failsWithTheUsualMessage) {
@@ -253,6 +255,8 @@ TEST_F(CutStartTest, start_frameSizeThatIsNone_failsWithTheUsualMessage) {
     AlertReader alerts;
     pressStart();
     EXPECT_EQ(alerts.messages, QStringList("File failed! please use re-encoding mode"));
+    EXPECT_EQ(alerts.sentences.size(), 1);
+    EXPECT_TRUE(alerts.sentences.value(0).startsWith("Pictures of this size cannot be encoded"));
 }
 
 } // namespace

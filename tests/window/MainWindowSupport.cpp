@@ -18,11 +18,11 @@
 namespace velmora::test {
 
 SeenAlert plainAlert(const QString& message) {
-    return {QGuiApplication::applicationDisplayName(), message, {"OK"}, {}};
+    return {QGuiApplication::applicationDisplayName(), message, {"OK"}, {}, {}};
 }
 
 SeenAlert errorAlert(const QString& message) {
-    return {"Error", message, {"OK"}, {}};
+    return {"Error", message, {"OK"}, {}, {}};
 }
 
 bool operator==(const SeenAlert& a, const SeenAlert& b) {
@@ -46,7 +46,8 @@ std::vector<SeenAlert> alertsOf(const std::function<void()>& action) {
         for (const QAbstractButton* const button : box->buttons()) {
             buttons.append(button->text());
         }
-        seen.push_back({box->windowTitle(), box->text(), buttons, box->geometry().center()});
+        seen.push_back({box->windowTitle(), box->text(), buttons, box->informativeText(),
+                        box->geometry().center()});
         answerAlert("OK");
     });
     watch.start(0);

@@ -26,7 +26,8 @@ struct SeenAlert {
     QString title;
     QString message;
     QStringList buttons;
-    QPoint middle; ///< on the screen; alerts are alike wherever they are
+    QString sentence; ///< under the message; alerts are alike whatever it is
+    QPoint middle;    ///< on the screen; alerts are alike wherever they are
 };
 
 /// The alert without a title that is used for `message`.

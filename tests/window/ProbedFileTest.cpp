@@ -47,15 +47,18 @@ TEST_F(ProbedFileTest, probeThatFailed_isRefusedWithAnAlert) {
     probeFile(video_);
     const std::int32_t code = probeFile("/nowhere.mp4");
     EXPECT_LT(code, 0);
-    EXPECT_EQ(alertsOf([code] { EXPECT_FALSE(acceptProbe(code)); }),
-              std::vector{plainAlert("File is invalid!")});
+    const auto alerts = alertsOf([code] { EXPECT_FALSE(acceptProbe(code)); });
+    ASSERT_EQ(alerts, std::vector{plainAlert("File is invalid!")});
+    EXPECT_EQ(alerts[0].sentence, "“nowhere.mp4” is no longer in its folder. Put it back, or add "
+                                  "it from where it is now.");
 }
 
 TEST_F(ProbedFileTest, fileOfUnknownLength_isRefusedWithAnAlert) {
     ASSERT_EQ(probeFile(video_), 0);
     engine_.durationFloor = -1;
-    EXPECT_EQ(alertsOf([] { EXPECT_FALSE(acceptProbe(0)); }),
-              std::vector{plainAlert("File is invalid!")});
+    const auto alerts = alertsOf([] { EXPECT_FALSE(acceptProbe(0)); });
+    ASSERT_EQ(alerts, std::vector{plainAlert("File is invalid!")});
+    EXPECT_TRUE(alerts[0].sentence.contains("does not tell how long it is"));
     ASSERT_EQ(probeFile(video_), 0);
     engine_.durationSeconds = -1;
     EXPECT_EQ(alertsOf([] { EXPECT_FALSE(acceptProbe(0)); }),

@@ -2,6 +2,8 @@
 
 #include "AlertPanel.h"
 #include "ConversionEngine.h"
+#include "FailureText.h"
+#include "MediaOperations.h"
 #include "PathParts.h"
 
 namespace velmora {
@@ -28,7 +30,12 @@ bool acceptProbe(std::int32_t code) {
     if (code >= 0 && engine.durationFloor >= 0 && engine.durationSeconds >= 0) {
         return true;
     }
-    runAlertPanel({}, "File is invalid!", "OK", "");
+    FailureCause cause = mediaOperations().causeOfRefusal();
+    if (code >= 0) {
+        cause.kind = FailureCause::Kind::UnknownLength;
+    }
+    cause.path = engine.probePath;
+    runAlertPanelWith({sentenceOf(cause), {}}, "File is invalid!");
     return false;
 }
 
