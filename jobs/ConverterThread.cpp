@@ -112,7 +112,9 @@ void ConverterThread::fill(const RunRequest& request) {
 void ConverterThread::addExactPart(const RunRequest& request, Job& job) {
     const ConverterInfo& asked = request.job;
     job.exact = asked.exact;
-    if (job.exact && !job.joins) {
+    if (job.exact && job.joins) {
+        job.video.frameRate = 0.0; // each file keeps its own
+    } else if (job.exact) {
         job.windows.assign(request.items.size(), {asked.startMs, asked.endMs});
     }
 }

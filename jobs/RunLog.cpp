@@ -5,7 +5,16 @@ namespace {
 
 constexpr qsizetype kMostLines = 2000; // of a damaged file each packet may be told
 
+bool& isLeftOut() {
+    thread_local bool leftOut = false;
+    return leftOut;
+}
+
 } // namespace
+
+void RunLog::leaveOutThisThread() {
+    isLeftOut() = true;
+}
 
 RunLog& RunLog::instance() {
     static RunLog log;
@@ -18,7 +27,7 @@ void RunLog::begin(const QString& what) {
 }
 
 void RunLog::add(const QString& line) {
-    if (std::this_thread::get_id() == mainThread_) {
+    if (isLeftOut() || std::this_thread::get_id() == mainThread_) {
         return;
     }
     const std::lock_guard lock(mutex_);

@@ -17,6 +17,8 @@ public:
 
     /// A run begins: the lines of the one before are dropped.
     void begin(const QString& what);
+    /// What this thread logs is not about runs: it is left out from here on.
+    static void leaveOutThisThread();
     void add(const QString& line);
     /// All lines, each with its end.
     QString text() const;

@@ -1,6 +1,7 @@
 #include "SourceFactsReader.h"
 
 #include "MediaOperations.h"
+#include "RunLog.h"
 
 #include <QTimer>
 
@@ -50,6 +51,7 @@ void SourceFactsReader::work(const QString& path) {
     if (ending_) {
         return;
     }
+    RunLog::leaveOutThisThread();
     const SourceFacts facts = mediaOperations().readFacts(path.toStdString(), stop_);
     QMetaObject::invokeMethod(
         this, [this, path, facts] { keep(path, facts); }, Qt::QueuedConnection);

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <numeric>
 #include <utility>
+#include <vector>
 
 namespace velmora {
 namespace {
@@ -72,6 +73,72 @@ FrameHandle shownFrom(InputMedia& input, PacketHandle packet) {
     return decoder.receive();
 }
 
+/// The packets from this one to the end, if there are few enough to be decoded for a look at the
+/// last; else none.
+std::vector<PacketHandle> shortRest(InputMedia& input, PacketHandle packet) {
+    constexpr std::int64_t kMostPixels = INT64_C(64) * 1024 * 1024;
+    const AVCodecParameters& coded = *input.videoStream()->codecpar;
+    const std::int64_t pixels = std::max(INT64_C(1) * coded.width * coded.height, INT64_C(1));
+    std::vector<PacketHandle> packets;
+    for (; packet != nullptr; packet = nextPicturePacket(input)) {
+        packets.push_back(std::move(packet));
+        if (static_cast<std::int64_t>(packets.size()) * pixels > kMostPixels) {
+            return {};
+        }
+    }
+    return packets;
+}
+
+/// The time of the last picture that comes out whole; `packets` begin with a key frame.
+std::int64_t lastShownOf(const InputMedia& input, const std::vector<PacketHandle>& packets) {
+    const ExpectedLogLines quiet(ExpectedLogLines::Kind::Everything);
+    Decoder decoder;
+    std::int64_t last = INT64_MIN;
+    if (decoder.open(*input.videoStream(), input.path()) < 0) {
+        return last;
+    }
+    const auto receive = [&] {
+        while (const FrameHandle picture = decoder.receive()) {
+            const bool isWhole =
+                (picture->flags & AV_FRAME_FLAG_CORRUPT) == 0 && picture->decode_error_flags == 0;
+            last = isWhole ? std::max(last, picture->best_effort_timestamp) : last;
+        }
+    };
+    for (const PacketHandle& packet : packets) {
+        decoder.send(*packet);
+        receive();
+    }
+    decoder.sendEnd();
+    for (std::size_t i = 0; i <= packets.size() && !decoder.hasEnded(); ++i) {
+        receive(); // which ends at damage, too
+    }
+    return last;
+}
+
+/// Some codecs have packets of pictures that are never shown, also at their end.
+bool mayEndHidden(AVCodecID codec) {
+    return codec == AV_CODEC_ID_VP8 || codec == AV_CODEC_ID_VP9 || codec == AV_CODEC_ID_AV1;
+}
+
+/// Whether the last of the packets is shown. All of a long group would take too long: then it is
+/// its key frame that is looked at.
+bool showsLastOf(InputMedia& input, PacketHandle key) {
+    PacketHandle first(av_packet_clone(key.get()));
+    const std::vector<PacketHandle> packets = shortRest(input, std::move(key));
+    if (packets.empty() || first == nullptr) {
+        return first != nullptr && shownAlone(input, *first) != nullptr;
+    }
+    const auto shown = lastShownOf(input, packets);
+    const bool tellsTimes = std::ranges::none_of(
+        packets, [](const auto& packet) { return packet->pts == AV_NOPTS_VALUE; });
+    if (!tellsTimes || mayEndHidden(input.videoStream()->codecpar->codec_id)) {
+        return shown != INT64_MIN;
+    }
+    const auto& last =
+        *std::ranges::max_element(packets, {}, [](const auto& packet) { return packet->pts; });
+    return shown >= last->pts;
+}
+
 /// Whether the very first packet is shown: a player that finds one it cannot decode shows nothing,
 /// or grey.
 bool showsFirstPicture(InputMedia& input) {
@@ -106,7 +173,7 @@ bool showsLastPicture(InputMedia& input) {
             packet = nextPicturePacket(input);
         }
         if (packet != nullptr) {
-            return shownFrom(input, std::move(packet)) != nullptr;
+            return showsLastOf(input, std::move(packet));
         }
     }
     return true;
@@ -233,13 +300,17 @@ std::string differenceFromJob(const Job& job, const StopFlag* stop) {
     }
     WrittenPlan plan;
     plan.seconds = plannedSeconds(job);
-    if (!isAsLong(secondsOf(written), plan)) {
+    const auto isWrong = [&plan](double seconds) { return !isAsLong(seconds, plan); };
+    // The sound may have become longer than the pictures.
+    const std::array lengths{secondsOf(written), lengthOf(written)};
+    if (std::ranges::any_of(lengths, isWrong)) {
         plan.seconds = secondsToBeHad(job, plan.seconds, stop);
     }
-    if (isAsLong(secondsOf(written), plan)) {
+    const auto* const wrong = std::ranges::find_if(lengths, isWrong);
+    if (wrong == lengths.end()) {
         return {};
     }
-    const std::string told = "The file is " + text(secondsOf(written)) + " long, ";
+    const std::string told = "The file is " + text(*wrong) + " long, ";
     return told +
            (job.joins ? "its parts are " + text(plan.seconds) + " together"
                       : text(plan.seconds) + " were marked") +

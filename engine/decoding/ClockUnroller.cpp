@@ -35,12 +35,19 @@ ClockUnroller::Stream& ClockUnroller::streamOf(int index) {
     return stream;
 }
 
+/// Also a stream that was silent for long goes on where the other one is.
+bool ClockUnroller::goesOn(std::int64_t time, const Stream& stream) const {
+    return follows(time, stream.next) || std::ranges::any_of(streams_, [time](const Stream& other) {
+               return other.next != AV_NOPTS_VALUE && follows(time, other.next);
+           });
+}
+
 void ClockUnroller::apply(AVPacket& packet) {
     Stream& stream = streamOf(packet.stream_index);
     const std::int64_t told = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
     std::int64_t offset = offset_;
-    if (told != AV_NOPTS_VALUE && !follows(told + offset_, stream.next)) {
-        if (follows(told + previousOffset_, stream.next)) {
+    if (told != AV_NOPTS_VALUE && !goesOn(told + offset_, stream)) {
+        if (goesOn(told + previousOffset_, stream)) {
             offset = previousOffset_;
         } else {
             previousOffset_ = offset_;

@@ -113,11 +113,19 @@ PacketHandle DecodedStream::readPacket() {
             clock_.apply(*packet);
         }
         if (packet->stream_index == stream_->index) {
+            noteEnd(*packet);
             return packet;
         }
         av_packet_unref(packet.get());
     }
     return nullptr;
+}
+
+void DecodedStream::noteEnd(const AVPacket& packet) {
+    if (packet.pts != AV_NOPTS_VALUE) {
+        const std::int64_t lasts = packet.duration > 0 ? packet.duration : ticksPerPicture();
+        packetsEnd_ = std::max(packetsEnd_, packet.pts + lasts);
+    }
 }
 
 void DecodedStream::decodeFrom(PacketHandle first) {
@@ -134,6 +142,8 @@ FrameHandle DecodedStream::next() {
     for (;;) {
         if (FrameHandle frame = decoder_.receive()) {
             stamp(*frame);
+            const bool isCorrupt = (frame->flags & AV_FRAME_FLAG_CORRUPT) != 0;
+            damaged_ += isCorrupt || frame->decode_error_flags != 0 ? 1 : 0;
             return frame;
         }
         if (decoder_.hasEnded() || isRaised(stop_)) {

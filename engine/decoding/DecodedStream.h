@@ -46,8 +46,11 @@ public:
     bool isTimedByOrder() const { return timedByOrder_; }
     /// What a picture lasts, in ticks, where nothing else is known; at least 1.
     std::int64_t ticksPerPicture() const;
-    /// Packets that could not be decoded so far.
+    /// Packets that could not be decoded so far, and frames that came out damaged.
     std::int64_t damagedPackets() const { return damaged_; }
+    /// Where the last of the packets that have been read ends, decoded or not.
+    std::int64_t packetsEnd() const { return packetsEnd_; }
+    bool clockHasJumped() const { return clock_.hasJumped(); }
 
 private:
     int openInput();
@@ -55,6 +58,7 @@ private:
     bool lacksTimes();
     void decodeOne();
     void noteTime(const AVPacket& packet);
+    void noteEnd(const AVPacket& packet);
     void stamp(AVFrame& frame);
 
     std::string path_;
@@ -74,6 +78,7 @@ private:
     std::priority_queue<std::int64_t, std::vector<std::int64_t>, std::greater<>> times_;
     std::int64_t untimed_ = 0; ///< packets without any time
     std::int64_t damaged_ = 0;
+    std::int64_t packetsEnd_ = INT64_MIN;
 };
 
 } // namespace velmora

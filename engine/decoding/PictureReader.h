@@ -33,6 +33,9 @@ public:
 
     /// What the picture is to last, in ticks, by itself; at least 1.
     std::int64_t durationOf(const AVFrame& picture) const;
+    /// Where the last picture that has been read ends, ticks, also one that cannot be decoded.
+    std::int64_t packetsEnd() const { return pictures_.packetsEnd(); }
+    bool clockHasJumped() const { return pictures_.clockHasJumped(); }
     /// Packets that could not be decoded so far.
     std::int64_t damagedPackets() const { return pictures_.damagedPackets(); }
 

@@ -70,19 +70,33 @@ std::optional<double> ExactInput::endSeconds() const {
     return static_cast<double>(*endUs_) / AV_TIME_BASE - begin;
 }
 
+bool ExactInput::isEndSure() const {
+    const AVFormatContext& container = *media().container();
+    const bool tellsLength = container.duration > 0 &&
+                             container.duration_estimation_method != AVFMT_DURATION_FROM_BITRATE &&
+                             !pictures_.clockHasJumped();
+    return !sourceEnded_ ||
+           (tellsLength && endUs_ && *endUs_ <= media().startUs() + container.duration);
+}
+
 FrameHandle ExactInput::nextOfWindow() {
     FrameHandle picture = first_ != nullptr ? std::move(first_) : pictures_.next();
-    if (picture == nullptr || !isInWindow(*picture)) {
+    if (picture == nullptr) {
+        sourceEnded_ = true;
+        picturesEnd_ = std::max(picturesEnd_, pictures_.packetsEnd() - origin_);
+        return nullptr;
+    }
+    if (!isInWindow(*picture)) {
         return nullptr;
     }
     picturesEnd_ = picture->pts - origin_ + pictures_.durationOf(*picture);
     return picture;
 }
 
-ExactInput::Shown ExactInput::nextPicture(PictureSize size) {
+ExactInput::Shown ExactInput::nextPicture(const PictureForm& form) {
     if (filter_ == nullptr) {
         filter_ = std::make_unique<PictureFilter>(
-            *media().container(), *media().container()->streams[pictures_.stream().index], size);
+            *media().container(), *media().container()->streams[pictures_.stream().index], form);
     }
     for (;;) {
         if (FrameHandle picture = filter_->receive()) {
@@ -107,8 +121,8 @@ FrameHandle ExactInput::nextSound() {
     return sound_ != nullptr ? sound_->next() : nullptr;
 }
 
-std::int64_t ExactInput::damagedPackets() const {
-    return pictures_.damagedPackets() + (sound_ != nullptr ? sound_->damagedPackets() : 0);
+std::int64_t ExactInput::damagedSounds() const {
+    return sound_ != nullptr ? sound_->damagedPackets() : 0;
 }
 
 } // namespace velmora

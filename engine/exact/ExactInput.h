@@ -33,6 +33,8 @@ public:
     std::int64_t origin() const { return origin_; }
     /// Where the window ends, in seconds since the first picture; nothing where the source does.
     std::optional<double> endSeconds() const;
+    /// Whether the source goes on until there. One that does not tell its length may have ended.
+    bool isEndSure() const;
     /// Where the window ends on the container's time line, microseconds; the largest number where
     /// the source does.
     std::int64_t endUs() const { return endUs_.value_or(INT64_MAX); }
@@ -42,17 +44,20 @@ public:
         FrameHandle picture;
         std::int64_t time = 0;
     };
-    /// The next picture in the form of an output of this size; null at the end.
-    Shown nextPicture(PictureSize size);
+    /// The next picture in the form of an output; null at the end.
+    Shown nextPicture(const PictureForm& form);
     /// Why there was no next picture, if that is not the end: a negative libav error code; or 0.
     int failure() const { return failure_; }
-    /// When the last picture that was given ends by itself, in ticks since the first picture.
+    /// When the last picture that was given ends by itself, in ticks since the first picture; at
+    /// the source's end, when the last one there ends that could not be decoded.
     std::int64_t picturesEnd() const { return picturesEnd_; }
     /// The next samples; null at the end, or without sound.
     FrameHandle nextSound();
 
-    /// Packets that could not be decoded.
-    std::int64_t damagedPackets() const;
+    /// Pictures that could not be decoded, or not wholly.
+    std::int64_t damagedPictures() const { return pictures_.damagedPackets(); }
+    /// Packets of the sound that could not be decoded.
+    std::int64_t damagedSounds() const;
 
 private:
     bool isInWindow(const AVFrame& picture) const;
@@ -69,6 +74,7 @@ private:
     std::int64_t picturesEnd_ = 0;
     std::optional<std::int64_t> endUs_; ///< on the container's time line; nothing: to the end
     bool ended_ = false;
+    bool sourceEnded_ = false;
     int failure_ = 0;
 };
 

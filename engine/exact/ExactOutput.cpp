@@ -77,7 +77,7 @@ int ExactOutput::addPictures(const ExactInput& first) {
     const AVRational duration = encodedFrameDuration(
         job_.video.frameRate, usual.num > 0 ? usual : AVRational{25, 1}, job_.video.codec);
     pace_ = paceOf(job_, source, duration, isConstant);
-    size_ = outputSize(job_.video, first.media());
+    form_.size = outputSize(job_.video, first.media());
     if (const int result = openVideoEncoder(source, duration); result < 0) {
         logFailure(job_.inputPaths[0], Operation::OpenVideoEncoder, result);
         return result;
@@ -100,14 +100,15 @@ int ExactOutput::addPictures(const ExactInput& first) {
 
 int ExactOutput::openVideoEncoder(const AVStream& source, AVRational duration) {
     VideoSettings settings = job_.video;
-    settings.width = size_.width;
-    settings.height = size_.height;
+    settings.width = form_.size.width;
+    settings.height = form_.size.height;
     AVCodecParameters colours{};
     colours.format = AV_PIX_FMT_YUV420P;
-    const ColourDescription description = outputColours(*source.codecpar, size_.height);
+    const ColourDescription description = outputColours(*source.codecpar, form_.size.height);
     colours.color_primaries = description.primaries;
     colours.color_trc = description.transfer;
     colours.color_space = description.matrix;
+    form_.matrix = description.matrix;
     const VideoEncoder::Timing timing{pace_.encoderTimeBase(), av_inv_q(duration)};
     return videoEncoder_.open(settings, timing, output_->format(), colours);
 }

@@ -31,7 +31,7 @@ public:
     int finish(std::int64_t end);
 
     // Once it has begun.
-    PictureSize size() const { return size_; }
+    const PictureForm& form() const { return form_; }
     const PicturePace& pace() const { return pace_; }
     PictureWriter& pictures() { return *pictures_; }
     const PictureWriter& pictures() const { return *pictures_; }
@@ -64,7 +64,7 @@ private:
     VideoEncoder videoEncoder_;
     AudioEncoder audioEncoder_;
     PicturePace pace_;
-    PictureSize size_;
+    PictureForm form_;
     std::optional<PictureWriter> pictures_;
     std::optional<TimedSoundWriter> sound_;
 };

@@ -38,8 +38,10 @@ private:
     int writePictures(InputProgress& progress);
     int writePicture();
     int endInput();
+    std::int64_t sourceEnd();
     int endSound(std::int64_t end);
-    void logDamage(std::size_t index) const;
+    void noteDamage(std::size_t index);
+    std::string damage() const;
     std::string check() const;
 
     std::int64_t timeOf(std::int64_t sourceTicks) const {
@@ -58,6 +60,7 @@ private:
     std::int64_t begins_ = 0;      ///< in the output, ticks of the pace
     std::int64_t lastPicture_ = 0; ///< in the output, likewise
     bool isFirstPicture_ = true;
+    std::int64_t damagedPictures_ = 0; ///< of all inputs
 };
 
 RunReport ExactJob::execute() {
@@ -73,7 +76,9 @@ RunReport ExactJob::execute() {
         report.finding = check();
     }
     if (!isStopped()) {
-        tellStates(result >= 0 && report.finding.empty() ? InputState::Done : InputState::Failed);
+        const bool isRight = result >= 0 && report.finding.empty();
+        tellStates(isRight ? InputState::Done : InputState::Failed);
+        report.finding = isRight ? damage() : report.finding;
     }
     return report;
 }
@@ -96,6 +101,17 @@ std::string ExactJob::check() const {
                          .lastPictureSeconds = output_.secondsAt(lastPicture_),
                          .isExact = true},
                         &stop_);
+}
+
+/// Of the sources, for which the output cannot help.
+std::string ExactJob::damage() const {
+    if (damagedPictures_ == 0) {
+        return {};
+    }
+    return damagedPictures_ == 1
+               ? "1 picture could not be decoded, or not wholly: the source is damaged there."
+               : std::to_string(damagedPictures_) +
+                     " pictures could not be decoded, or not wholly: the source is damaged there.";
 }
 
 int ExactJob::openInput(std::size_t index) {
@@ -146,7 +162,7 @@ int ExactJob::writeInput(std::size_t index) {
     }
     if (result >= 0 && !isStopped()) {
         result = endInput();
-        logDamage(index);
+        noteDamage(index);
     }
     return result;
 }
@@ -192,7 +208,7 @@ int ExactJob::writePictures(InputProgress& progress) {
 
 /// AVERROR_EOF: there was none.
 int ExactJob::writePicture() {
-    ExactInput::Shown shown = input_->nextPicture(output_.size());
+    ExactInput::Shown shown = input_->nextPicture(output_.form());
     if (shown.picture == nullptr) {
         return input_->failure() < 0 ? input_->failure() : AVERROR_EOF;
     }
@@ -216,6 +232,9 @@ int ExactJob::endInput() {
             end = output_.timeAfter(samples);
         }
     }
+    if (cutEnd && !input_->isEndSure()) {
+        end = std::min(end, std::max(sourceEnd(), lastPicture_ + 1));
+    }
     if (result >= 0) {
         result = output_.pictures().endAt(end);
     }
@@ -224,6 +243,12 @@ int ExactJob::endInput() {
     }
     begins_ = end;
     return result;
+}
+
+/// Of pictures and sound, as far as they have been read.
+std::int64_t ExactJob::sourceEnd() {
+    const std::int64_t pictures = timeOf(input_->picturesEnd());
+    return sound_ ? std::max(pictures, output_.timeAfter(output_.sound()->samples())) : pictures;
 }
 
 int ExactJob::endSound(std::int64_t end) {
@@ -235,10 +260,16 @@ int ExactJob::endSound(std::int64_t end) {
     return input_->endSeconds() ? sound_->endAt(endSample) : sound_->writeAll();
 }
 
-void ExactJob::logDamage(std::size_t index) const {
-    if (const std::int64_t damaged = input_->damagedPackets(); damaged > 0) {
-        av_log(nullptr, AV_LOG_WARNING, "%s: %lld packets could not be decoded and are left out\n",
-               job_.inputPaths[index].c_str(), static_cast<long long>(damaged));
+void ExactJob::noteDamage(std::size_t index) {
+    const char* const path = job_.inputPaths[index].c_str();
+    if (const std::int64_t pictures = input_->damagedPictures(); pictures > 0) {
+        av_log(nullptr, AV_LOG_WARNING, "%s: %lld pictures could not be decoded, or not wholly\n",
+               path, static_cast<long long>(pictures));
+        damagedPictures_ += pictures;
+    }
+    if (const std::int64_t sounds = input_->damagedSounds(); sounds > 0) {
+        av_log(nullptr, AV_LOG_WARNING, "%s: %lld packets of sound could not be decoded\n", path,
+               static_cast<long long>(sounds));
     }
 }
 

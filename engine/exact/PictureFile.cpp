@@ -15,7 +15,8 @@ FrameHandle uprightPicture(PictureReader& reader, FrameHandle picture) {
     AVFormatContext& container = *reader.input().container();
     AVStream& stream = *container.streams[reader.stream().index];
     constexpr PictureFormat kColours{.pixels = AV_PIX_FMT_RGB24, .step = 1};
-    PictureFilter filter(container, stream, uprightSize(container, stream, kColours), kColours);
+    PictureFilter filter(container, stream,
+                         {.size = uprightSize(container, stream, kColours), .format = kColours});
     if (filter.send(std::move(picture)) < 0 || filter.sendEnd() < 0) {
         return nullptr;
     }

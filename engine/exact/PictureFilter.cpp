@@ -68,6 +68,28 @@ std::string filtersOf(const DisplayTurn& turn) {
     return filters;
 }
 
+/// One that the scaler knows; what nobody tells is what is usual for pictures of this height.
+AVColorSpace usualMatrix(AVColorSpace matrix, int height) {
+    constexpr int kLeastHdHeight = 720;
+    switch (matrix) {
+    case AVCOL_SPC_BT709:
+    case AVCOL_SPC_FCC:
+    case AVCOL_SPC_SMPTE240M:
+    case AVCOL_SPC_BT2020_NCL:
+        return matrix;
+    case AVCOL_SPC_BT470BG:
+    case AVCOL_SPC_SMPTE170M:
+        return AVCOL_SPC_SMPTE170M;
+    default:
+        return height >= kLeastHdHeight ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    }
+}
+
+/// As the scaler calls it.
+const char* nameOf(AVColorSpace matrix) {
+    return matrix == AVCOL_SPC_BT2020_NCL ? "bt2020" : av_color_space_name(matrix);
+}
+
 std::string text(PictureSize size) {
     return std::to_string(size.width) + ":" + std::to_string(size.height);
 }
@@ -81,7 +103,7 @@ void FreeFilterGraph::operator()(AVFilterGraph* graph) const noexcept {
 bool PictureFilter::Form::operator==(const Form& other) const {
     return size == other.size && format == other.format &&
            av_cmp_q(positive(aspect), positive(other.aspect)) == 0 && transfer == other.transfer &&
-           primaries == other.primaries && interlaced == other.interlaced;
+           primaries == other.primaries && matrix == other.matrix && interlaced == other.interlaced;
 }
 
 PictureSize uprightSize(AVFormatContext& container, AVStream& stream, const PictureFormat& format) {
@@ -97,9 +119,9 @@ PictureSize uprightSize(AVFormatContext& container, AVStream& stream, const Pict
     return size;
 }
 
-PictureFilter::PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size,
-                             const PictureFormat& format)
-    : container_(container), stream_(stream), size_(size), format_(format) {}
+PictureFilter::PictureFilter(AVFormatContext& container, AVStream& stream, const PictureForm& form)
+    : container_(container), stream_(stream), size_(form.size), format_(form.format),
+      matrix_(usualMatrix(form.matrix, form.size.height)) {}
 
 PictureFilter::~PictureFilter() = default;
 
@@ -155,6 +177,7 @@ PictureFilter::Form PictureFilter::formOf(const AVFrame& picture) const {
                 av_guess_sample_aspect_ratio(&container_, &stream_, const_cast<AVFrame*>(&picture)),
             .transfer = picture.color_trc,
             .primaries = picture.color_primaries,
+            .matrix = picture.colorspace,
             // One that is, among others: the filter looks at each.
             .interlaced = picture.interlaced_frame != 0 || form_.interlaced};
 }
@@ -235,18 +258,19 @@ std::string PictureFilter::description(const AVFrame& picture, bool isFirst) con
     return filters + "setsar=1,format=" + av_get_pix_fmt_name(format_.pixels);
 }
 
-/// Colours that come as red, green and blue get the matrix that the output has.
+/// Inputs of a join may have another one than the output. Wide colours have been brought to BT.709.
 std::string PictureFilter::matrixFor(const AVFrame& picture) const {
+    const std::string wanted = std::string(":out_color_matrix=") + nameOf(matrix_);
     const AVPixFmtDescriptor* format =
         av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
-    if (format == nullptr || (format->flags & AV_PIX_FMT_FLAG_RGB) == 0) {
-        return {};
+    if (format != nullptr && (format->flags & AV_PIX_FMT_FLAG_RGB) != 0) {
+        return wanted;
     }
-    AVCodecParameters parameters{};
-    parameters.format = picture.format;
-    return outputColours(parameters, size_.height).matrix == AVCOL_SPC_BT709
-               ? ":out_color_matrix=bt709"
-               : ":out_color_matrix=smpte170m";
+    const bool isConverted = !colourFilters(picture, false).empty();
+    const AVColorSpace matrix =
+        isConverted ? AVCOL_SPC_BT709 : usualMatrix(picture.colorspace, picture.height);
+    return matrix == matrix_ ? std::string()
+                             : ":in_color_matrix=" + std::string(nameOf(matrix)) + wanted;
 }
 
 } // namespace velmora

@@ -28,6 +28,13 @@ struct PictureFormat {
     int step = 2; ///< width and height are multiples of it
 };
 
+/// What an output wants its pictures to be like.
+struct PictureForm {
+    PictureSize size;
+    PictureFormat format;
+    AVColorSpace matrix = AVCOL_SPC_UNSPECIFIED; ///< unspecified: what is usual for the size
+};
+
 /// The size in which pictures of the stream are shown: upright and in square pixels. 0 x 0 when the
 /// stream does not tell.
 PictureSize uprightSize(AVFormatContext& container, AVStream& stream,
@@ -40,8 +47,7 @@ PictureSize uprightSize(AVFormatContext& container, AVStream& stream,
 class PictureFilter {
 public:
     /// `stream` tells how pictures are turned and shaped; it outlives this object.
-    PictureFilter(AVFormatContext& container, AVStream& stream, PictureSize size,
-                  const PictureFormat& format = {});
+    PictureFilter(AVFormatContext& container, AVStream& stream, const PictureForm& form);
     PictureFilter(const PictureFilter&) = delete;
     PictureFilter& operator=(const PictureFilter&) = delete;
     ~PictureFilter();
@@ -61,6 +67,7 @@ private:
         AVRational aspect{0, 1};
         AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
         AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
+        AVColorSpace matrix = AVCOL_SPC_UNSPECIFIED;
         bool interlaced = false;
         bool operator==(const Form& other) const;
     };
@@ -76,6 +83,7 @@ private:
     AVStream& stream_;
     const PictureSize size_;
     const PictureFormat format_;
+    const AVColorSpace matrix_;
     FilterGraphHandle graph_;
     AVFilterContext* source_ = nullptr; ///< owned by the graph
     AVFilterContext* sink_ = nullptr;   ///< owned by the graph

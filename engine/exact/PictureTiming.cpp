@@ -7,6 +7,8 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdlib>
 #include <numeric>
 
@@ -17,6 +19,34 @@ constexpr int kMostRate = 300; // pictures per second; what is above is a time b
 
 bool isRate(AVRational rate) {
     return rate.num > 0 && rate.den > 0 && av_cmp_q(rate, {kMostRate, 1}) <= 0;
+}
+
+/// The usual one that is meant, where the mean over a file is near one; else one of few digits.
+AVRational nominal(AVRational mean) {
+    // Ends with 0/0, as the library wants it.
+    constexpr std::array<AVRational, 13> kUsual{{{15, 1},
+                                                 {24'000, 1001},
+                                                 {24, 1},
+                                                 {25, 1},
+                                                 {30'000, 1001},
+                                                 {30, 1},
+                                                 {48, 1},
+                                                 {50, 1},
+                                                 {60'000, 1001},
+                                                 {60, 1},
+                                                 {120, 1},
+                                                 {240, 1},
+                                                 {0, 0}}};
+    constexpr double kNear = 0.01;
+    constexpr int kFewDigits = 1001;
+    const AVRational nearest =
+        kUsual.at(static_cast<std::size_t>(av_find_nearest_q_idx(mean, kUsual.data())));
+    if (std::abs(av_q2d(nearest) / av_q2d(mean) - 1.0) <= kNear) {
+        return nearest;
+    }
+    AVRational few{};
+    av_reduce(&few.num, &few.den, mean.num, mean.den, kFewDigits);
+    return few;
 }
 
 } // namespace
@@ -41,15 +71,15 @@ std::int64_t PictureTiming::at(std::int64_t ticks) const {
 
 AVRational usualRate(AVRational realRate, AVRational meanRate) {
     const AVRational corrected = correctedFrameRate(realRate);
-    if (isRate(corrected)) {
+    if (isRate(realRate) && isRate(corrected)) {
         return corrected;
     }
-    return isRate(meanRate) ? meanRate : AVRational{0, 1};
+    return isRate(meanRate) ? nominal(meanRate) : AVRational{0, 1};
 }
 
 AVRational commonTimeBase(AVRational sourceTimeBase, AVRational rate, int least, int most) {
     const std::int64_t ofSource = sourceTimeBase.den;
-    const std::int64_t ofRate = rate.num > 0 ? rate.num : 1;
+    const std::int64_t ofRate = std::clamp(rate.num, 1, most);
     const std::int64_t both = std::lcm(ofSource, ofRate);
     const std::int64_t common = both <= most ? both : ofRate;
     const std::int64_t wanted = both <= most ? std::min(least, most) : most;

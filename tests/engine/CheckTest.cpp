@@ -92,6 +92,30 @@ TEST_F(Check, file_lastPicturesAreDamaged_isTold) {
               "The last picture of the written file cannot be shown.");
 }
 
+TEST_F(Check, file_endsDamagedBehindItsLastKeyFrame_isTold) {
+    const std::string path = folder_ / "file.mkv";
+    fs::copy_file(exactSource("group.mkv", "testsrc2", "-c:v libx264 -g 50 -pix_fmt yuv420p -an"),
+                  path);
+    Bytes content = readFile(path);
+    const auto middle = content.begin() + static_cast<std::ptrdiff_t>(content.size() / 2);
+    for (auto byte = middle; byte < content.end() - 2'000; byte += 40) {
+        *byte ^= 0xFFU;
+    }
+    writeFile(path, content);
+    EXPECT_EQ(differenceOf(path, WrittenPlan(), nullptr),
+              "The last picture of the written file cannot be shown.");
+}
+
+TEST_F(Check, job_soundLongerThanMarked_isTold) {
+    const std::string written = mediaMadeBy(
+        "-f lavfi -i testsrc2=size=128x64:rate=25:duration=2 -f lavfi -i sine=duration=6 "
+        "-c:v libx264 -pix_fmt yuv420p -c:a aac",
+        "exact-long-sound.mp4");
+    Job job;
+    job.add(written, written, 0.0, 2.0);
+    EXPECT_EQ(differenceOf(job, nullptr), "The file is 6.0 s long, 2.0 s were marked.");
+}
+
 TEST_F(Check, job_longerThanMarked_isToldWithItsCause) {
     const std::string source =
         exactSource("varying.mp4", "testsrc2",

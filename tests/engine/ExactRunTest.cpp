@@ -217,6 +217,83 @@ TEST_F(Exact, cut_damagedInTheMiddle_keepsTimesAndSaysHowMuch) {
     EXPECT_NEAR(endOf(output, "v:0"), 2.0, 0.001);
 }
 
+TEST_F(Exact, cut_everyIntervalIsAnother_fitsEncodersThatCountCoarsely) {
+    const std::string source =
+        exactSource("phone.mp4", "testsrc2",
+                    "-vf settb=1/90000,setpts=N*3003+floor(random(0)*1500) -vsync passthrough "
+                    "-enc_time_base 1/90000 -video_track_timescale 90000 -c:v libx264 -bf 0 "
+                    "-pix_fmt yuv420p");
+    const std::string output = folder_ / "out.avi";
+    video_.codec = AV_CODEC_ID_MPEG4;
+    audio_.codec = AV_CODEC_ID_MP3;
+
+    EXPECT_EQ(cut(source, 0, 1000, output).states, done(1));
+
+    EXPECT_NEAR(static_cast<double>(packetsOf(output, "v:0").size()), 30.0, 1.0);
+}
+
+TEST_F(Exact, cut_sourceEndsBeforeItTells_endsThere) {
+    const std::string source =
+        mediaMadeBy("-i " + exactSource("plain.mp4") + " -c copy -an -bsf:v h264_mp4toannexb",
+                    "exact-raw.h264");
+    const std::string output = folder_ / "out.mp4";
+
+    cut(source, 0, 60'000, output);
+
+    EXPECT_EQ(fieldsOf(output, "v:0").at("duration"), "2.000000");
+}
+
+TEST_F(Exact, cut_endIsDamaged_keepsItsTimeAndSaysSo) {
+    const std::string source = folder_ / "source.mkv";
+    Bytes content = readFile(exactSource("ends-damaged.mkv", "testsrc2", "-c:v mjpeg -q:v 3 -an"));
+    const auto middle = content.begin() + static_cast<std::ptrdiff_t>(content.size() * 3 / 4);
+    for (auto byte = middle; byte < content.end() - 2'000; byte += 20) {
+        *byte ^= 0xFFU;
+    }
+    writeFile(source, content);
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(source, 0, 900'000, output).states, done(1));
+
+    EXPECT_EQ(fieldsOf(output, "v:0").at("duration").get<std::string>().substr(0, 4), "2.00");
+    EXPECT_NE(report_.finding.find("could not be decoded, or not wholly"), std::string::npos);
+}
+
+TEST_F(Exact, cut_soundPausesInATransportStream_staysAtItsPlace) {
+    const std::string source =
+        mediaMadeBy("-f lavfi -i testsrc2=size=128x64:rate=5:duration=20 -f lavfi -i "
+                    "sine=frequency=440:duration=20,aselect='lt(t\\,2)+gt(t\\,17)' "
+                    "-c:v libx264 -g 10 -pix_fmt yuv420p -c:a mp2",
+                    "exact-pause.ts");
+    const std::string output = folder_ / "out.mp4";
+
+    EXPECT_EQ(cut(source, 16'000, 20'000, output).states, done(1));
+
+    EXPECT_EQ(pictureTimes(output).size(), 20U);
+    EXPECT_FALSE(packetsOf(output, "a:0").empty());
+}
+
+TEST_F(Exact, join_otherMatrix_keepsItsColours) {
+    const auto red = [](const char* matrix, const char* name) {
+        return mediaMadeBy("-f lavfi -i color=red:size=128x64:rate=25:duration=1 -vf "
+                           "scale=out_color_matrix=" +
+                               std::string(matrix) + ",format=yuv420p -c:v libx264 -colorspace " +
+                               std::string(matrix),
+                           name);
+    };
+    const std::string output = folder_ / "out.mp4";
+
+    join({red("bt709", "exact-red-709.mp4"), red("smpte170m", "exact-red-601.mp4")}, output);
+
+    const std::string last = folder_ / "last.mkv";
+    runProgram({"ffmpeg", "-v", "error", "-nostdin", "-sseof", "-0.2", "-i", output, "-frames:v",
+                "1", "-c:v", "ffv1", last});
+    const std::vector<int> pixel = pixelOf(last, 64, 32);
+    EXPECT_NEAR(pixel[0], 254, 3);
+    EXPECT_NEAR(pixel[1], 0, 6);
+    EXPECT_NEAR(pixel[2], 0, 6);
+}
+
 TEST_F(Exact, cut_timesBelowZero_picturesThatLackThemAreThere) {
     const std::string source = mediaMadeBy(
         "-i " + exactSource("plain.mp4") +

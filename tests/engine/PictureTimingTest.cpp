@@ -39,6 +39,9 @@ TEST(PictureTiming, usualRate_leavesOutWhatIsATimeBase) {
     expectRate(usualRate({30000, 1001}, {25, 1}), 30000, 1001);
     expectRate(usualRate({600, 1}, {25, 1}), 25, 1);
     expectRate(usualRate({600, 1}, {0, 0}), 0, 1);
+    // A phone's intervals are all different; only in the mean there is a rate, about.
+    expectRate(usualRate({90'000, 1}, {720'000, 24'013}), 30'000, 1001);
+    expectRate(usualRate({90'000, 1}, {719'000, 36'017}), 539, 27);
 }
 
 TEST(PictureTiming, commonTimeBase_hasTheTicksOfBoth) {
@@ -46,6 +49,7 @@ TEST(PictureTiming, commonTimeBase_hasTheTicksOfBoth) {
     EXPECT_EQ(commonTimeBase({1, 1000}, {30000, 1001}, 1, 1'000'000).den, 30000);
     EXPECT_EQ(commonTimeBase({1, 25}, {25, 1}, 90'000, 1'000'000).den, 90'000);
     EXPECT_EQ(commonTimeBase({1, 90'000}, {25, 1}, 1, 65'535).den, 65'525);
+    EXPECT_EQ(commonTimeBase({1, 90'000}, {720'000, 24'013}, 1, 65'535).den, 65'535);
 }
 
 } // namespace

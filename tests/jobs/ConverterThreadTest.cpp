@@ -54,6 +54,15 @@ TEST_F(ConverterThreadTest, exactCut_windowKeepsItsMilliseconds) {
     EXPECT_EQ(job.windows[0].endMs, 36'000'003);
 }
 
+TEST_F(ConverterThreadTest, exactJoin_leavesEachFileItsOwnRate) {
+    Job job;
+    job.joins = true;
+    job.video.frameRate = 30.0;
+    ConverterThread::addExactPart(RunRequest::of({.fullPath = output("out.mp4"), .exact = true}),
+                                  job);
+    EXPECT_EQ(job.video.frameRate, 0.0);
+}
+
 TEST_F(ConverterThreadTest, plainCut_isNotExact) {
     addItem("/nowhere/in.mp4", 1000, 2000);
     Job job;

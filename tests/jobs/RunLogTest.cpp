@@ -38,5 +38,15 @@ TEST(RunLogTest, damagedFile_linesComeToAnEnd) {
     EXPECT_TRUE(text.endsWith("line\n…\n"));
 }
 
+TEST(RunLogTest, threadThatIsLeftOut_addsNothing) {
+    RunLog::instance().begin("a run");
+    std::thread([] {
+        RunLog::leaveOutThisThread();
+        RunLog::instance().add("about something else");
+    }).join();
+    std::thread([] { RunLog::instance().add("about the run"); }).join();
+    EXPECT_EQ(RunLog::instance().text(), "a run\nabout the run\n");
+}
+
 } // namespace
 } // namespace velmora::test
