@@ -57,7 +57,7 @@ public:
     using Panel::mSetInfo;
     using Panel::mVideoEncoder;
     using Panel::newJob;
-    using Panel::takeOutput;
+    using Panel::applyChoices;
 
 protected:
     QString profilePath() const override {
