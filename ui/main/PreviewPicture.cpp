@@ -11,7 +11,6 @@ namespace velmora {
 namespace {
 
 constexpr const char* kSnapshotFile = "/tmp/pic.bmp";
-constexpr int kStretchToFill = 1;
 
 /// Writes the picture at `seconds` of the engine's `probePath`.
 void snapshotAt(double seconds) {
@@ -44,7 +43,7 @@ void PreviewPicture::showAt(const QString& source, float seconds) {
 
 void PreviewPicture::show(const Mark& mark) {
     view_.setImage(NamedImage(QImage(kSnapshotFile, "bmp")));
-    view_.setImageScaling(kStretchToFill);
+    view_.setImageScaling(customImageView::kStretchToFill);
     shown_ = mark;
 }
 
