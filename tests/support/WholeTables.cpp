@@ -5,8 +5,7 @@
 namespace velmora::test {
 
 bool wholeTables() {
-    return std::getenv("VELMORA_WHOLE_TABLES") !=
-           nullptr; // NOLINT(concurrency-mt-unsafe): never set
+    return std::getenv("VELMORA_WHOLE_TABLES") != nullptr;
 }
 
 } // namespace velmora::test
