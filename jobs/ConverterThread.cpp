@@ -36,7 +36,7 @@ void addItem(Job& job, const NodeInfo& item, const QString& output) {
                                   static_cast<double>(item.endTime)));
 }
 
-void takeAudio(Job& job, const RunRequest& request) {
+void setAudio(Job& job, const RunRequest& request) {
     const NodeSetting& setting = request.setting;
     platformLog(
         QString("bitrate:%1, ch:%2, sample:%3 encoder:%4")
@@ -48,7 +48,7 @@ void takeAudio(Job& job, const RunRequest& request) {
                  .channels = leadingInteger(setting.aChannels)};
 }
 
-void takeVideo(Job& job, const RunRequest& request) {
+void setVideo(Job& job, const RunRequest& request) {
     const NodeSetting& setting = request.setting;
     const auto chosen = codecNamed(kVideoEncoders, setting.vEncoder.toStdString());
     const std::int32_t bitRate = bitsPerSecond(leadingInteger(setting.vBitrate));
@@ -62,7 +62,7 @@ void takeVideo(Job& job, const RunRequest& request) {
                                   job.video.frameRate, job.video.width, job.video.height));
 }
 
-/// The request in the engine's units. The settings are told, and thus taken, with each item.
+/// The request in the engine's units. The settings are told, and thus set, with each item.
 Job jobOf(const RunRequest& request) {
     Job job;
     job.joins = request.job.isCutter == 0;
@@ -70,8 +70,8 @@ Job jobOf(const RunRequest& request) {
     platformLog(QString("len:%1").arg(request.items.size()));
     for (const NodeInfo& item : request.items) {
         addItem(job, item, request.job.fullPath);
-        takeAudio(job, request);
-        takeVideo(job, request);
+        setAudio(job, request);
+        setVideo(job, request);
     }
     return job;
 }

@@ -42,7 +42,7 @@ void copyResults(const FileList& items) {
     }
 }
 
-RunOutcome takeOutcome(const FileList& items) {
+RunOutcome collectOutcome(const FileList& items) {
     copyResults(items);
     copyStates(items, engine().jobCount);
     const bool completed = isOverAllInputs() && stateOf(0) == ConversionEngine::Done;

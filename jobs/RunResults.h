@@ -17,7 +17,7 @@ void copyStates(const FileList& items, std::int32_t count);
 void copyResults(const FileList& items);
 /// The results of a run that is over, also of inputs that it did not reach. How it went is told by
 /// its first input only.
-RunOutcome takeOutcome(const FileList& items);
+RunOutcome collectOutcome(const FileList& items);
 /// Whether the run has gone over all of its inputs, and has any.
 bool isOverAllInputs();
 

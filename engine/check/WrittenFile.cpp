@@ -29,17 +29,6 @@ std::string text(double seconds) {
     return digits.data();
 }
 
-PacketHandle nextPicturePacket(InputMedia& input) {
-    PacketHandle packet(av_packet_alloc());
-    while (packet != nullptr && input.read(*packet) >= 0) {
-        if (packet->stream_index == input.videoStreamIndex()) {
-            return packet;
-        }
-        av_packet_unref(packet.get());
-    }
-    return nullptr;
-}
-
 /// A key frame needs nothing but itself, which costs one picture's time and memory.
 FrameHandle shownAlone(const InputMedia& input, const AVPacket& packet) {
     Decoder decoder;
@@ -67,7 +56,7 @@ FrameHandle shownFrom(InputMedia& input, PacketHandle packet) {
         if (FrameHandle picture = decoder.receive()) {
             return picture;
         }
-        packet = nextPicturePacket(input);
+        packet = input.readVideoPacket();
     }
     decoder.sendEnd();
     return decoder.receive();
@@ -142,7 +131,7 @@ bool showsLastOf(InputMedia& input, PacketHandle key) {
 /// Whether the very first packet is shown: a player that finds one it cannot decode shows nothing,
 /// or grey.
 bool showsFirstPicture(InputMedia& input) {
-    PacketHandle first = nextPicturePacket(input);
+    PacketHandle first = input.readVideoPacket();
     if (first == nullptr) {
         return false;
     }
@@ -168,9 +157,9 @@ bool showsLastPicture(InputMedia& input) {
         if (input.seekStream(pictures.index, from) < 0) {
             return true;
         }
-        PacketHandle packet = nextPicturePacket(input);
+        PacketHandle packet = input.readVideoPacket();
         while (packet != nullptr && landsAnywhere && (packet->flags & AV_PKT_FLAG_KEY) == 0) {
-            packet = nextPicturePacket(input);
+            packet = input.readVideoPacket();
         }
         if (packet != nullptr) {
             return showsLastOf(input, std::move(packet));
@@ -191,7 +180,7 @@ std::optional<std::int64_t> countPictures(const std::string& path, const StopFla
         return std::nullopt;
     }
     std::int64_t count = 0;
-    while (const PacketHandle packet = nextPicturePacket(input)) {
+    while (const PacketHandle packet = input.readVideoPacket()) {
         count += packet->size > 0 ? 1 : 0;
     }
     return count;

@@ -1,5 +1,7 @@
 #include "AudioEncoder.h"
 
+#include "EncodedPackets.h"
+
 extern "C" {
 #include <libavutil/avstring.h>
 #include <libavutil/samplefmt.h>
@@ -153,16 +155,7 @@ int AudioEncoder::drain(std::vector<PacketHandle>& packets) {
 }
 
 int AudioEncoder::encode(const AVFrame* chunk, std::vector<PacketHandle>& packets) {
-    int result = avcodec_send_frame(encoder_.get(), chunk);
-    while (result >= 0) {
-        PacketHandle packet(av_packet_alloc());
-        result = packet != nullptr ? avcodec_receive_packet(encoder_.get(), packet.get())
-                                   : AVERROR(ENOMEM);
-        if (result >= 0) {
-            packets.push_back(std::move(packet));
-        }
-    }
-    return result == AVERROR(EAGAIN) || result == AVERROR_EOF ? 0 : result;
+    return appendEncoded(*encoder_, chunk, packets);
 }
 
 int AudioEncoder::frameSize() const {

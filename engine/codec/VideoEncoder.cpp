@@ -1,5 +1,7 @@
 #include "VideoEncoder.h"
 
+#include "EncodedPackets.h"
+
 extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
@@ -109,16 +111,7 @@ PacketHandle VideoEncoder::encode(AVFrame& frame) {
 }
 
 int VideoEncoder::encodeAt(const AVFrame* frame, std::vector<PacketHandle>& packets) {
-    int result = avcodec_send_frame(encoder_.get(), frame);
-    while (result >= 0) {
-        PacketHandle packet(av_packet_alloc());
-        result = packet != nullptr ? avcodec_receive_packet(encoder_.get(), packet.get())
-                                   : AVERROR(ENOMEM);
-        if (result >= 0) {
-            packets.push_back(std::move(packet));
-        }
-    }
-    return result == AVERROR(EAGAIN) || result == AVERROR_EOF ? 0 : result;
+    return appendEncoded(*encoder_, frame, packets);
 }
 
 } // namespace velmora

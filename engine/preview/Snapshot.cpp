@@ -11,17 +11,6 @@ namespace {
 // Several groups of pictures of any usual length; beyond, the stream has no key pictures.
 constexpr int kMaxPacketsBeforeKey = 600;
 
-PacketHandle readVideoPacket(InputMedia& input) {
-    PacketHandle packet(av_packet_alloc());
-    while (packet != nullptr && input.read(*packet) >= 0) {
-        if (packet->stream_index == input.videoStreamIndex()) {
-            return packet;
-        }
-        av_packet_unref(packet.get());
-    }
-    return nullptr;
-}
-
 /// The picture that the decoder gives after one more packet; null: none yet.
 FrameHandle decode(Decoder& decoder, const AVPacket& packet) {
     decoder.send(packet); // a damaged packet gives no picture; the next one may
@@ -35,7 +24,7 @@ FrameHandle decodeRest(Decoder& decoder) {
 
 /// The first picture that comes out when every packet is decoded.
 FrameHandle firstPictureOfAll(InputMedia& input, Decoder& decoder) {
-    while (const PacketHandle packet = readVideoPacket(input)) {
+    while (const PacketHandle packet = input.readVideoPacket()) {
         if (FrameHandle picture = decode(decoder, *packet)) {
             return picture;
         }
@@ -45,7 +34,7 @@ FrameHandle firstPictureOfAll(InputMedia& input, Decoder& decoder) {
 
 PacketHandle readKeyPacket(InputMedia& input) {
     for (int i = 0; i < kMaxPacketsBeforeKey; ++i) {
-        PacketHandle packet = readVideoPacket(input);
+        PacketHandle packet = input.readVideoPacket();
         if (packet == nullptr || (packet->flags & AV_PKT_FLAG_KEY) != 0) {
             return packet;
         }
@@ -56,7 +45,7 @@ PacketHandle readKeyPacket(InputMedia& input) {
 /// Whether none of the pictures that may be shown before this one is.
 bool isShownFirst(InputMedia& input, const AVPacket& key, int reorderDelay) {
     for (int i = 0; i <= reorderDelay; ++i) {
-        const PacketHandle next = readVideoPacket(input);
+        const PacketHandle next = input.readVideoPacket();
         if (next == nullptr) {
             break;
         }

@@ -103,6 +103,17 @@ int InputMedia::read(AVPacket& packet) {
     return result;
 }
 
+PacketHandle InputMedia::readVideoPacket() {
+    PacketHandle packet(av_packet_alloc());
+    while (packet != nullptr && read(*packet) >= 0) {
+        if (packet->stream_index == videoStreamIndex_) {
+            return packet;
+        }
+        av_packet_unref(packet.get());
+    }
+    return nullptr;
+}
+
 int InputMedia::seek(double& startSeconds) {
     int result = 0;
     if (const auto position = bytePosition(startSeconds)) {

@@ -28,6 +28,8 @@ public:
 
     /// The next packet of any stream that is read. 0, or a negative code at the end or on failure.
     int read(AVPacket& packet);
+    /// The next packet of the video stream; null at the end or on failure.
+    PacketHandle readVideoPacket();
 
     /// Goes to `startSeconds` on the input's own time line, counted from its first picture: to the
     /// key frame at or before it, or, in formats whose time line may jump, to the same fraction of

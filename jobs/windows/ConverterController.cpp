@@ -76,7 +76,7 @@ void ConverterController::refreshProgree() {
     if (queue().hasWaiting(this)) {
         awaitTurn();
     } else {
-        takeTurn();
+        followRun();
     }
 }
 
@@ -87,7 +87,7 @@ void ConverterController::awaitTurn() {
     auto outcome = RunOutcome::Failed;
     AlertMore more;
     if (endsNow) {
-        outcome = takeOutcomeOf(before);
+        outcome = collectOutcomeOf(before);
         more = toTellOf(before);
         queue().removeCurrent(this);
     }
@@ -100,7 +100,7 @@ void ConverterController::awaitTurn() {
     }
 }
 
-void ConverterController::takeTurn() {
+void ConverterController::followRun() {
     const ConversionRun* const run = queue().current(this);
     // Read before the counters, which are final once it is true.
     const bool ended = run != nullptr && run->hasOutcome();
@@ -133,7 +133,7 @@ void ConverterController::showRun(bool ended) {
     }
     // It may end without going over all inputs; and when it has, it looks at what it has written.
     if (ended || (overAll && queue().current(this) == nullptr)) {
-        endWith(takeOutcome(items()));
+        endWith(collectOutcome(items()));
     } else {
         copyResults(items());
     }
@@ -209,8 +209,8 @@ void ConverterController::copyStatesSoFar() {
     }
 }
 
-RunOutcome ConverterController::takeOutcomeOf(const ConversionRun* run) {
-    return countersAreOf(run) ? takeOutcome(run->items()) : RunOutcome::Failed;
+RunOutcome ConverterController::collectOutcomeOf(const ConversionRun* run) {
+    return countersAreOf(run) ? collectOutcome(run->items()) : RunOutcome::Failed;
 }
 
 void ConverterController::endWith(RunOutcome outcome) {

@@ -54,7 +54,7 @@ public:
 private:
     void loadWindow();
     void awaitTurn();
-    void takeTurn();
+    void followRun();
 
     void showStart();
     void showRun(bool ended);
@@ -65,7 +65,7 @@ private:
     FileList items() const;
     static bool countersAreOf(const ConversionRun* run);
     void copyStatesSoFar();
-    static RunOutcome takeOutcomeOf(const ConversionRun* run);
+    static RunOutcome collectOutcomeOf(const ConversionRun* run);
     void endWith(RunOutcome outcome);
     static AlertMore toTellOf(const ConversionRun* run);
     static void tell(RunOutcome outcome, const AlertMore& more);

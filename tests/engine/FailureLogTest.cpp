@@ -95,7 +95,7 @@ TEST_F(FailureLog, runWithoutMemory_isToldAndFailsWhatIsLeft) {
 }
 
 TEST_F(FailureLog, jobThatIsTooLarge_isTold) {
-    fillJoin(std::vector(1000, source_), output_);
+    fillPaths(std::vector(1000, source_), output_);
     expectLogged("a job of 1000 inputs is larger than 999", [&] { run(); });
 }
 

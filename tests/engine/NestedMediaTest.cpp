@@ -30,7 +30,7 @@ TEST_F(NestedFiles, nameOfAPictureSequence_standsForTheOneFile) {
 
     EXPECT_TRUE(videoBytesOf(sequence) == readFile(sequence));
 
-    EXPECT_FALSE(watch.hasSeenOpening());
+    EXPECT_EQ(watch.openings(), 0);
 }
 
 /// One colour in each of the three files of a picture of 352 x 288.
@@ -51,7 +51,7 @@ TEST_F(NestedFiles, planeOutside_isNotOpened) {
     fs::create_symlink(outside, inside_ + "/p.U");
     const OpenWatch watch(outside);
     EXPECT_EQ(std::ranges::count(videoBytesOf(inside_ + "/p.Y"), 2), 0);
-    EXPECT_FALSE(watch.hasSeenOpening());
+    EXPECT_EQ(watch.openings(), 0);
 }
 
 // The demuxer of planes opens the input once more, by its name.
@@ -131,7 +131,7 @@ TEST_F(NestedFiles, movieWithExternalData_opensNoOtherFile) {
     videoBytesOf(movie);
 
     EXPECT_GT(reference.seen(), 0);
-    EXPECT_FALSE(watch.hasSeenOpening());
+    EXPECT_EQ(watch.openings(), 0);
 }
 
 } // namespace

@@ -2,24 +2,11 @@
 
 #include "InputMedia.h"
 
-#include <sys/inotify.h>
-#include <unistd.h>
-
-#include <array>
 #include <filesystem>
 
 namespace velmora::test {
 
 namespace fs = std::filesystem;
-
-OpenWatch::OpenWatch(const std::string& path) : events_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-    EXPECT_GE(inotify_add_watch(events_.get(), path.c_str(), IN_OPEN), 0) << path;
-}
-
-bool OpenWatch::hasSeenOpening() const {
-    std::array<char, 4096> events{};
-    return ::read(events_.get(), events.data(), events.size()) > 0;
-}
 
 std::string playList(const std::vector<std::string>& names) {
     std::string text = "#EXTM3U\n#EXT-X-TARGETDURATION:2\n";

@@ -1,23 +1,13 @@
 #pragma once
 
-#include "FileDescriptor.h"
 #include "JobSupport.h"
+#include "OpenWatch.h"
 #include "TestMedia.h"
 
 #include <string>
 #include <vector>
 
 namespace velmora::test {
-
-/// Whether anyone opens a file from now on, for reading or writing.
-class OpenWatch {
-public:
-    explicit OpenWatch(const std::string& path);
-    bool hasSeenOpening() const;
-
-private:
-    FileDescriptor events_;
-};
 
 /// A play list for `names`, each a part of two seconds.
 std::string playList(const std::vector<std::string>& names);

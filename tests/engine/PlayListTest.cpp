@@ -49,8 +49,8 @@ TEST_F(NestedFiles, partsOutside_areNotOpened) {
              "data:video/mp2t;base64,R0ARAAAAsA0AAcEAAAABEAAqsQSy.ts"}) {
         expectUnusable(listOf({name}));
     }
-    EXPECT_FALSE(secret.hasSeenOpening());
-    EXPECT_FALSE(beside.hasSeenOpening());
+    EXPECT_EQ(secret.openings(), 0);
+    EXPECT_EQ(beside.openings(), 0);
 }
 
 TEST_F(NestedFiles, partOutsideAmongOthers_isLeftOut) {
@@ -61,7 +61,7 @@ TEST_F(NestedFiles, partOutsideAmongOthers_isLeftOut) {
     EXPECT_EQ(cut(listOf({"part.ts", secret_}), 0, 100'000, output_).states, std::vector{1});
 
     EXPECT_EQ(packetsOf(output_, "v:0").size(), pictures);
-    EXPECT_FALSE(secret.hasSeenOpening());
+    EXPECT_EQ(secret.openings(), 0);
 }
 
 TEST_F(NestedFiles, refusal_isLoggedWithInputAndName) {
@@ -79,7 +79,7 @@ TEST_F(NestedFiles, keyOutside_isNotOpened) {
     writeFile(list_, "#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXT-X-KEY:METHOD=AES-128,URI=\"" + key +
                          "\"\n#EXTINF:2,\npart.ts\n#EXT-X-ENDLIST\n");
     expectUnusable(list_);
-    EXPECT_FALSE(watch.hasSeenOpening());
+    EXPECT_EQ(watch.openings(), 0);
 }
 
 TEST_F(NestedFiles, listOfListsOutside_isNotOpened) {
@@ -87,7 +87,7 @@ TEST_F(NestedFiles, listOfListsOutside_isNotOpened) {
     const OpenWatch watch(outside_ + "/list.m3u8");
     writeFile(list_, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1000\n../outside/list.m3u8\n");
     expectUnusable(list_);
-    EXPECT_FALSE(watch.hasSeenOpening());
+    EXPECT_EQ(watch.openings(), 0);
 }
 
 TEST_F(NestedFiles, listNamedLikeAnAddress_findsItsParts) {
@@ -167,8 +167,8 @@ TEST_F(NestedFiles, listOfTheConcatDemuxer_opensNothing) {
         writeFile(list, "ffconcat version 1.0\nfile '" + name + "'\n");
         expectUnusable(list);
     }
-    EXPECT_FALSE(secret.hasSeenOpening());
-    EXPECT_FALSE(part.hasSeenOpening());
+    EXPECT_EQ(secret.openings(), 0);
+    EXPECT_EQ(part.openings(), 0);
 }
 
 TEST_F(NestedFiles, dashManifest_opensNothing) {
@@ -188,7 +188,7 @@ TEST_F(NestedFiles, dashManifest_opensNothing) {
         writeFile(manifest, text);
         expectUnusable(manifest);
     }
-    EXPECT_FALSE(watch.hasSeenOpening());
+    EXPECT_EQ(watch.openings(), 0);
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "ReencodeSupport.h"
+#include "WholeTables.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
@@ -57,13 +59,32 @@ void PrintTo(const Combination& made, std::ostream* out) {
     *out << nameOf(made);
 }
 
+void addAll(const Container& container, std::vector<Combination>& all) {
+    for (const AVCodecID video : container.videos) {
+        for (const AVCodecID audio : container.audios) {
+            all.push_back({container.extension, video, audio});
+        }
+    }
+}
+
+/// Each encoder of the container once or more, beside others with each `shift`.
+void addPairs(const Container& container, std::size_t shift, std::vector<Combination>& all) {
+    const std::size_t videos = container.videos.size();
+    const std::size_t audios = container.audios.size();
+    for (std::size_t i = 0; i < std::max(videos, audios); ++i) {
+        all.push_back({container.extension, container.videos[i % videos],
+                       container.audios[(i + shift) % audios]});
+    }
+}
+
 std::vector<Combination> combinations() {
     std::vector<Combination> all;
+    std::size_t shift = 0;
     for (const Container& container : containers()) {
-        for (const AVCodecID video : container.videos) {
-            for (const AVCodecID audio : container.audios) {
-                all.push_back({container.extension, video, audio});
-            }
+        if (wholeTables()) {
+            addAll(container, all);
+        } else {
+            addPairs(container, shift++, all);
         }
     }
     return all;

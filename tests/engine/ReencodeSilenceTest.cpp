@@ -46,45 +46,41 @@ void forgetSoundCodec(const std::string& source, const std::string& target) {
     writeFile(target, content);
 }
 
-TEST_F(ReencodeSilence, soundThatCannotBeDecoded_isReplaced) {
-    const std::string unknown = folder_ / "unknown.avi";
-    forgetSoundCodec(signalOf("mpeg4"), unknown);
+/// A file with sound that cannot be decoded.
+class UnknownSound : public ReencodeSilence {
+protected:
+    UnknownSound() { forgetSoundCodec(signalOf("mpeg4"), unknown_); }
 
-    EXPECT_EQ(join({even_, unknown, even_}, output_).states, std::vector(3, 1));
+    /// Joins the inputs, all but one of which can be heard, and the last.
+    void expectLastBeepAtItsFlash(const std::vector<std::string>& inputs) {
+        EXPECT_EQ(join(inputs, output_).states, std::vector(inputs.size(), 1));
 
-    const auto flashes = flashesIn(output_);
-    const auto beeps = beepsIn(output_);
-    ASSERT_EQ(flashes.size(), 3U);
-    ASSERT_EQ(beeps.size(), 2U);
-    EXPECT_NEAR(beeps[1], flashes[2], 0.07);
+        const auto flashes = flashesIn(output_);
+        const auto beeps = beepsIn(output_);
+        ASSERT_EQ(flashes.size(), inputs.size());
+        ASSERT_EQ(beeps.size(), inputs.size() - 1);
+        EXPECT_NEAR(beeps.back(), flashes.back(), 0.07);
+    }
+
+    const std::string unknown_ = folder_ / "unknown.avi";
+};
+
+TEST_F(UnknownSound, ofALaterInput_isReplaced) {
+    expectLastBeepAtItsFlash({even_, unknown_, even_});
 }
 
-TEST_F(ReencodeSilence, soundOfTheFirstJoinedInputThatCannotBeDecoded_isReplaced) {
-    const std::string unknown = folder_ / "unknown.avi";
-    forgetSoundCodec(signalOf("mpeg4"), unknown);
-
-    EXPECT_EQ(join({unknown, even_}, output_).states, std::vector(2, 1));
-
-    const auto flashes = flashesIn(output_);
-    const auto beeps = beepsIn(output_);
-    ASSERT_EQ(flashes.size(), 2U);
-    ASSERT_EQ(beeps.size(), 1U);
-    EXPECT_NEAR(beeps[0], flashes[1], 0.07);
+TEST_F(UnknownSound, ofTheFirstJoinedInput_isReplaced) {
+    expectLastBeepAtItsFlash({unknown_, even_});
 }
 
-TEST_F(ReencodeSilence, soundThatCannotBeDecoded_failsWhereTheFirstHadNone) {
-    const std::string unknown = folder_ / "unknown.avi";
-    forgetSoundCodec(signalOf("mpeg4"), unknown);
+TEST_F(UnknownSound, whereTheFirstInputHadNone_fails) {
     const std::string silent = mediaMadeBy("-i @mpeg4.mp4 -c copy -an", "silent.mp4");
 
-    EXPECT_EQ(join({silent, unknown}, output_).states, (std::vector{1, 2}));
+    EXPECT_EQ(join({silent, unknown_}, output_).states, (std::vector{1, 2}));
 }
 
-TEST_F(ReencodeSilence, soundOfTheFirstInputThatCannotBeDecoded_isLeftOut) {
-    const std::string unknown = folder_ / "unknown.avi";
-    forgetSoundCodec(signalOf("mpeg4"), unknown);
-
-    EXPECT_EQ(cut(unknown, 0, 2000, output_).states, std::vector{1});
+TEST_F(UnknownSound, ofACut_isLeftOut) {
+    EXPECT_EQ(cut(unknown_, 0, 2000, output_).states, std::vector{1});
 
     EXPECT_TRUE(fieldsOf(output_, "a:0").is_null());
     EXPECT_NEAR(endOf(output_, "v:0"), 2.0, 0.05);

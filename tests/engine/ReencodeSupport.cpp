@@ -88,11 +88,16 @@ nlohmann::json fieldsOf(const std::string& path, const std::string& stream) {
 }
 
 double endOf(const std::string& path, const std::string& stream) {
-    const Fraction timeBase = fractionOf(fieldsOf(path, stream).at("time_base"));
-    const auto packets = packetsOf(path, stream);
-    const auto last = std::ranges::max_element(
-        packets, {}, [](const PacketFacts& packet) { return packet.pts.value_or(0); });
-    return static_cast<double>((last->pts.value() + last->duration) * timeBase.num) /
+    const auto facts = ffprobeJson(
+        path, {"-select_streams", stream, "-show_entries", "stream=time_base:packet=pts,duration"});
+    const Fraction timeBase = fractionOf(facts.at("streams").at(0).at("time_base"));
+    const auto& packets = facts.at("packets");
+    const auto last = std::ranges::max_element(packets, {}, [](const nlohmann::json& packet) {
+        return packet.value("pts", std::int64_t{0});
+    });
+    return static_cast<double>(
+               (last->at("pts").get<std::int64_t>() + last->value("duration", std::int64_t{0})) *
+               timeBase.num) /
            static_cast<double>(timeBase.den);
 }
 

@@ -21,7 +21,7 @@ class KilledRun : public testing::TestWithParam<int> {
 protected:
     std::vector<std::string> join(const std::string& output, bool reencode) const {
         std::vector<std::string> words{VELMORA_ENGINE_PROGRAM, "join", output};
-        words.insert(words.end(), 40, source_);
+        words.insert(words.end(), 10, source_);
         if (reencode) {
             words.insert(words.end(), {"--reencode", "size=160x120", "vcodec=MPEG4"});
         }

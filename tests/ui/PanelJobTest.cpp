@@ -11,7 +11,7 @@ class JoinerPanelJobTest : public PanelTest<joinerWinController> {};
 
 template <class Panel> ConverterInfo jobOf(OpenedPanel<Panel>& panel) {
     ConverterInfo job = panel.newJob(false);
-    panel.takeOutput(job);
+    panel.applyChoices(job);
     return job;
 }
 

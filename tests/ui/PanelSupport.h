@@ -46,6 +46,7 @@ template <class Panel> class OpenedPanel : public Panel {
 public:
     explicit OpenedPanel(QString profiles) : profiles_(std::move(profiles)) {}
 
+    using Panel::applyChoices;
     using Panel::converterController;
     using Panel::mAudioChannels;
     using Panel::mAudioEncoder;
@@ -57,7 +58,6 @@ public:
     using Panel::mSetInfo;
     using Panel::mVideoEncoder;
     using Panel::newJob;
-    using Panel::takeOutput;
 
 protected:
     QString profilePath() const override {

@@ -134,14 +134,6 @@ TEST_F(JoinerListTest, rowsOfOneFormatAndSize_canBeJoined) {
     EXPECT_TRUE(log_.contains("format:mp4 Vs MP4 resolution:640x480 Vs 640x480"));
 }
 
-TEST_F(JoinerListTest, everyDifference_isLogged) {
-    addRow("mp4", "640x480");
-    addRow("mp4", "1x1");
-    addRow("mp4", "640x480");
-    EXPECT_FALSE(list_.canJoin());
-    EXPECT_EQ(log_.all().filter(" Vs ").size(), 2);
-}
-
 TEST_F(JoinerListTest, merge_ofFewerThanTwoRows_alerts) {
     addRow("mp4", "1x1");
     list_.reload();

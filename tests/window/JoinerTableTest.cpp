@@ -2,7 +2,6 @@
 
 #include "JoinerSupport.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
 #include <cstddef>
@@ -12,17 +11,14 @@
 namespace velmora::test {
 namespace {
 
-TEST_F(JoinerTest, table_severalHundredRows_staysQuick) {
+// One count for the whole list, not one for each thing that the view asks.
+TEST_F(JoinerTest, table_severalHundredRows_areCountedOnceForEachFile) {
     for (std::size_t i = 0; i < 998; ++i) {
         addRow("mp4", "320x180");
     }
-    QElapsedTimer timer;
-    timer.start();
     dropOnTable({video_});
     table().scrollToBottom();
     table().grab();
-    EXPECT_LT(timer.elapsed(), 1000);
-    // One count for the whole list, not one for each thing that the view asks.
     EXPECT_EQ(log_.count("tableView xxxxx count:999"), 1);
 }
 

@@ -70,7 +70,7 @@ double CustomSlider::step() const {
 
 void CustomSlider::moveByUser(double value) {
     if (sliderEnable) {
-        takeAndTell(std::clamp(value, minValue_, std::max(minValue_, maxValue_)));
+        setAndTell(std::clamp(value, minValue_, std::max(minValue_, maxValue_)));
     }
 }
 
@@ -94,7 +94,7 @@ void CustomSlider::mouseDragged(const QMouseEvent& event) {
     }
     const double value = valueAt(event.position().x());
     platformLog(QString::asprintf("get x:%f", value));
-    takeAndTell(value);
+    setAndTell(value);
 }
 
 void CustomSlider::mouseUp(const QMouseEvent& /*event*/) {
@@ -112,7 +112,7 @@ double CustomSlider::valueAt(double x) const {
     return x * (maxValue_ - minValue_) / width() + minValue_;
 }
 
-void CustomSlider::takeAndTell(double value) {
+void CustomSlider::setAndTell(double value) {
     setDoubleValue(value);
     NotificationCenter::defaultCenter().post(kChangedNotification, this, {{kValueKey, value}});
     Q_EMIT sliderDragged(value);

@@ -97,7 +97,7 @@ private:
     QRect trackPiece(float x, float width) const;
     QRect knobRect() const;
     double valueAt(double x) const;
-    void takeAndTell(double value);
+    void setAndTell(double value);
 
     double minValue_ = 0;
     double maxValue_ = 100;

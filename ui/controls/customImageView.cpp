@@ -17,7 +17,6 @@ namespace velmora {
 namespace {
 
 constexpr int kCopyOperation = 1;
-constexpr int kStretchToFill = 1;
 
 QRect centred(const QSize& size, const QRect& room) {
     QRect place(QPoint(), size);

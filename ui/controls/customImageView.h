@@ -37,7 +37,8 @@ public:
     /// A picture without a name is a preview.
     void setImage(NamedImage image);
     const NamedImage& image() const { return image_; }
-    /// 1: stretched to the view on both axes; else as large as fits in proportion.
+    static constexpr int kStretchToFill = 1;
+    /// kStretchToFill: on both axes; else as large as fits in proportion.
     void setImageScaling(int scaling);
     int imageScaling() const { return scaling_; }
 

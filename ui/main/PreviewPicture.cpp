@@ -11,10 +11,9 @@ namespace velmora {
 namespace {
 
 constexpr const char* kSnapshotFile = "/tmp/pic.bmp";
-constexpr int kStretchToFill = 1;
 
 /// Writes the picture at `seconds` of the engine's `probePath`.
-void takeSnapshot(double seconds) {
+void snapshotAt(double seconds) {
     ConversionEngine& engine = ConversionEngine::instance();
     const FirstInput first;
     engine.startTimes[0] = seconds;
@@ -27,7 +26,7 @@ PreviewPicture::PreviewPicture(customImageView& view) : view_(view) {}
 
 void PreviewPicture::showFirst(const QString& source) {
     ConversionEngine::instance().snapshotPath = kSnapshotFile;
-    takeSnapshot(0.0);
+    snapshotAt(0.0);
     show(markOf(source));
 }
 
@@ -35,7 +34,7 @@ void PreviewPicture::showFirst(const QString& source) {
 /// finds another picture to show.
 void PreviewPicture::showAt(const QString& source, float seconds) {
     ConversionEngine::instance().probePath = source.toStdString();
-    takeSnapshot(static_cast<double>(seconds));
+    snapshotAt(static_cast<double>(seconds));
     const Mark mark = markOf(source);
     if (shown_ != mark) {
         show(mark);
@@ -44,7 +43,7 @@ void PreviewPicture::showAt(const QString& source, float seconds) {
 
 void PreviewPicture::show(const Mark& mark) {
     view_.setImage(NamedImage(QImage(kSnapshotFile, "bmp")));
-    view_.setImageScaling(kStretchToFill);
+    view_.setImageScaling(customImageView::kStretchToFill);
     shown_ = mark;
 }
 

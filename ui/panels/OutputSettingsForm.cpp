@@ -33,7 +33,7 @@ void setItalic(QLabel& label, bool italic) {
 }
 
 /// Combo boxes take what is typed as it is: they neither complete it nor keep it as an entry.
-void takeTextAsTyped(QWidget& form) {
+void keepTextAsTyped(QWidget& form) {
     for (QComboBox* const box : form.findChildren<QComboBox*>()) {
         box->setCompleter(nullptr);
     }
@@ -55,7 +55,7 @@ OutputSettingsForm::OutputSettingsForm(QWidget* parent)
     outlets_->setupUi(this);
     outlets_->mRadioRows->setId(outlets_->mRadioDirect, kDirect);
     outlets_->mRadioRows->setId(outlets_->mRadioReencode, kReencode);
-    takeTextAsTyped(*this);
+    keepTextAsTyped(*this);
     nameLabels(*this);
 }
 

@@ -1,7 +1,5 @@
 #include "OutputSettingsPanel.h"
 
-#include "Bundle.h"
-#include "ComboBox.h"
 #include "ConverterController.h"
 #include "ModalSession.h"
 #include "OpenPanel.h"
@@ -9,7 +7,6 @@
 #include "PanelWindow.h"
 #include "PlatformLog.h"
 #include "PrimaryButton.h"
-#include "SharedState.h"
 #include "UserName.h"
 #include "ui_OutputSettingsForm.h"
 
@@ -121,54 +118,6 @@ void OutputSettingsPanel::initMainWin() {
     outlets().mTextField2->setText(mFilename);
 }
 
-QString OutputSettingsPanel::profilePath() const {
-    return Bundle::pathForResource("profile", "plist");
-}
-
-void OutputSettingsPanel::initProfile() {
-    const auto& form = outlets();
-    mProfileInfo.initWithPath(profilePath());
-    mProfileArray = mProfileInfo.getAllProfileName();
-    form.mComboBox->addItems(mProfileArray);
-    form.mRadioReencode->setEnabled(!mProfileArray.isEmpty());
-    const QString first = mProfileArray.value(0);
-    mSetInfo.initWithDict(mProfileInfo.getProfileByName(first));
-    mSetInfo.isDefautValue = 1;
-    mSetInfo.profileName = first;
-    comboxClean();
-    addSourceFrameRate();
-    parameterChoice(mSetInfo.profileName);
-}
-
-void OutputSettingsPanel::parameterChoice(const QString& profileName) {
-    profileOnShow_ = profileName;
-    const Profile* const profile = mProfileInfo.getProfileByName(profileName);
-    if (profile == nullptr) {
-        return;
-    }
-    for (const ProfileParameter& parameter : profile->setInfo) {
-        addChoices(parameter);
-    }
-}
-
-void OutputSettingsPanel::addChoices(const ProfileParameter& parameter) {
-    const QString& name = parameter.name;
-    const bool isFrameRate = name == ParameterBoxes::kFrameRate;
-    boxes_->add(parameter,
-                isFrameRate ? frameRatePosition(parameter.position()) : parameter.position());
-    if (name == "vEncoder") {
-        mVideoEncoder = parameter.choice();
-    } else if (name == "aEncoder") {
-        mAudioEncoder = parameter.choice();
-    } else if (name == "channel") {
-        mAudioChannels = getChannel(parameter.choice());
-    }
-}
-
-void OutputSettingsPanel::comboxClean() {
-    boxes_->clear();
-}
-
 void OutputSettingsPanel::setStatus(bool enabled) {
     boxes_->setEnabled(enabled);
     outlets().mComboBox->setEnabled(enabled);
@@ -180,20 +129,6 @@ bool OutputSettingsPanel::windowShouldClose() {
         stopModal();
     }
     return true;
-}
-
-void OutputSettingsPanel::mButFormatChange() {
-    platformLog(QString("index:%1 format:%2")
-                    .arg(QString::number(selectedPosition(*outlets().mComboBox)), profileText()));
-    comboxClean();
-    parameterChoice(profileText());
-    addSourceFrameRate();
-}
-
-void OutputSettingsPanel::profileTextEntered() {
-    if (profileText() != profileOnShow_) {
-        mButFormatChange();
-    }
 }
 
 void OutputSettingsPanel::mButMakeChoice() {
@@ -211,57 +146,6 @@ void OutputSettingsPanel::mButBrowse() {
                            outlets().mTextField1->setText(paths.value(0));
                        }
                    });
-}
-
-void OutputSettingsPanel::mButCustomize() {
-    if (!editing_.edit(*window_, profilePath(), [this] { parametersToSetting(); })) {
-        return;
-    }
-    const ProfileParameter* const rates = parameterOfProfile(ParameterBoxes::kFrameRate);
-    parametersFromSetting(rates != nullptr ? rates->choice() : QString());
-}
-
-void OutputSettingsPanel::parametersToSetting() {
-    getSetInfo();
-    currentSetting->aChannels = channelChoice();
-    currentSetting->profileName = profileText();
-    currentSetting->isDefautValue = 0;
-}
-
-void OutputSettingsPanel::parametersFromSetting(const QString& frameRateShownBefore) {
-    const NodeSetting& setting = *currentSetting;
-    boxes_->select(setting);
-    takeFrameRate(setting.vFrameRate, frameRateShownBefore);
-    mVideoEncoder = setting.vEncoder;
-    mAudioEncoder = setting.aEncoder;
-    mAudioChannels = getChannel(setting.aChannels);
-    getSetInfo();
-    parseResolution(setting.vResolution);
-}
-
-/// A parameter of the profile that the user has chosen; null without one.
-const ProfileParameter* OutputSettingsPanel::parameterOfProfile(const QString& name) const {
-    const Profile* const profile = mProfileInfo.getProfileByName(profileText());
-    return profile != nullptr ? profile->parameter(name) : nullptr;
-}
-
-QString OutputSettingsPanel::channelChoice() const {
-    if (const ProfileParameter* const channels = parameterOfProfile("channel")) {
-        for (const QString& choice : channels->arrayValue) {
-            if (getChannel(choice) == mAudioChannels) {
-                return choice;
-            }
-        }
-    }
-    return mAudioChannels;
-}
-
-void OutputSettingsPanel::takeFrameRate(const QString& rate, const QString& /*shownBefore*/) {
-    selectItem(*outlets().mFrameRate, rate);
-}
-
-QString OutputSettingsPanel::chosenFrameRate() const {
-    return selectedItem(*outlets().mFrameRate);
 }
 
 const Ui::OutputSettingsForm& OutputSettingsPanel::outlets() const {

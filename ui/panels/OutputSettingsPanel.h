@@ -100,7 +100,7 @@ protected:
     /// The chosen frame rate, as a run takes it.
     virtual QString chosenFrameRate() const;
     /// Selects a frame rate that comes from the editor; the editor has shown `shownBefore`.
-    virtual void takeFrameRate(const QString& rate, const QString& shownBefore);
+    virtual void selectFrameRate(const QString& rate, const QString& shownBefore);
     /// The extension of a direct output, as far as it is known before the start.
     virtual QString expectedExtension() const { return mExtension; }
 
@@ -120,8 +120,8 @@ protected:
     // Parts of a start.
     ConverterInfo newJob(bool isCutter) const;
     void logChoices() const;
-    /// Composes the output path, and in re-encode mode takes the choices over.
-    void takeOutput(ConverterInfo& job);
+    /// Composes the output path, and in re-encode mode puts the choices into the current setting.
+    void applyChoices(ConverterInfo& job);
     static void showPlainAlert(const QString& message);
     /// Takes the panel off the screen; nobody is asked.
     void closePanel();

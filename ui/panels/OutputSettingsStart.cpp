@@ -10,27 +10,14 @@
 #include "SharedState.h"
 #include "ui_OutputSettingsForm.h"
 
-// What a start takes from the panel, and its common parts.
+// The parts of a start that both panels share.
 
 namespace velmora {
-
-void OutputSettingsPanel::getSetInfo() {
-    NodeSetting& setting = *currentSetting;
-    setting.aEncoder = mAudioEncoder;
-    setting.aChannels = mAudioChannels;
-    setting.vEncoder = mVideoEncoder;
-    setting.vFrameRate = chosenFrameRate();
-    boxes_->putInto(setting);
-}
 
 void OutputSettingsPanel::parseResolution(const QString& resolution) {
     const QStringList parts = resolution.split('x');
     currentSetting->width = leadingInteger(parts.value(0));
     currentSetting->height = leadingInteger(parts.value(1));
-}
-
-QString OutputSettingsPanel::getChannel(const QString& text) {
-    return text.section(' ', 0, 0);
 }
 
 QString OutputSettingsPanel::getExtension(const QString& profileName) {
@@ -61,7 +48,7 @@ ConverterInfo OutputSettingsPanel::newJob(bool isCutter) const {
     return job;
 }
 
-void OutputSettingsPanel::takeOutput(ConverterInfo& job) {
+void OutputSettingsPanel::applyChoices(ConverterInfo& job) {
     if (job.isDirectly == 1) {
         mOutputFilename = composedPath(mExtension);
         return;

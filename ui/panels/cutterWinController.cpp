@@ -77,7 +77,7 @@ void cutterWinController::mButStartCut() {
     ConverterInfo job = newJob(true);
     job.startMs = startMs_;
     job.endMs = endMs_;
-    takeOutput(job);
+    applyChoices(job);
     if (CommonAction::fileExist(mOutputFilename)) {
         return showPlainAlert("File already exists! please rename file name!");
     }
@@ -111,10 +111,10 @@ QString cutterWinController::chosenFrameRate() const {
     return keepsSourceFrameRate() ? QString("0") : OutputSettingsPanel::chosenFrameRate();
 }
 
-void cutterWinController::takeFrameRate(const QString& rate, const QString& shownBefore) {
+void cutterWinController::selectFrameRate(const QString& rate, const QString& shownBefore) {
     // The editor cannot show that the source's rate is kept; what it showed instead was no choice.
     if (!keepsSourceFrameRate() || rate != shownBefore) {
-        OutputSettingsPanel::takeFrameRate(rate, shownBefore);
+        OutputSettingsPanel::selectFrameRate(rate, shownBefore);
     }
 }
 

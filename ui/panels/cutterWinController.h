@@ -37,7 +37,7 @@ protected:
     void addSourceFrameRate() override;
     int frameRatePosition(int /*profileDefault*/) const override { return 0; }
     QString chosenFrameRate() const override;
-    void takeFrameRate(const QString& rate, const QString& shownBefore) override;
+    void selectFrameRate(const QString& rate, const QString& shownBefore) override;
     QString exactSentence() const override;
 
 private:

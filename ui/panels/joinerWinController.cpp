@@ -43,7 +43,7 @@ void joinerWinController::mButStartJoin() {
                       "OK", {});
         return;
     }
-    takeOutput(job);
+    applyChoices(job);
     if (folder().isEmpty()) {
         return showPlainAlert("Please click browse button to select output first!");
     }
