@@ -1,4 +1,5 @@
 #include "ConversionEngine.h"
+#include "CopyPlan.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
 #include "ExactRun.h"
@@ -83,6 +84,10 @@ public:
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {
         return velmora::writePicture(path, timeMs, picturePath);
+    }
+    CopyForecast forecastCopy(const std::string& path, const Window& window,
+                              const std::string& outputPath, const StopFlag& stop) override {
+        return velmora::forecastCopy(path, window, outputPath, &stop);
     }
     std::int32_t snapshot(ConversionEngine& engine) override;
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CopyForecast.h"
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
@@ -13,6 +14,7 @@ namespace velmora {
 
 class ConversionEngine;
 struct Job;
+struct Window;
 
 /// What the engine does with the media libraries. Apart from the engine's state, so that a program
 /// can have its windows on screen before it loads those libraries, which takes longer than
@@ -31,6 +33,10 @@ public:
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;
+
+    /// See velmora::forecastCopy. On any thread.
+    virtual CopyForecast forecastCopy(const std::string& path, const Window& window,
+                                      const std::string& outputPath, const StopFlag& stop) = 0;
 
     /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
     virtual SampleAspectRatio sampleAspectRatio() const = 0;

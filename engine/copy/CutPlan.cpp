@@ -80,7 +80,6 @@ bool isClean(Pictures before, std::int64_t first, const CutRule& rule) {
 
 std::optional<CutPlan> planCut(const PicturesAround& pictures, const CutRule& rule) {
     const Pictures start = pictures.start;
-    const bool isWhole = pictures.end.empty();
     const Times wanted = wantedOf(start, rule);
     const auto entry = std::ranges::find_if(start, [&](const IndexedPicture& picture) {
         return picture.isEntry && rule.wants(picture.time);
@@ -88,7 +87,8 @@ std::optional<CutPlan> planCut(const PicturesAround& pictures, const CutRule& ru
     const bool isNear = entry != start.end() && entry->time - rule.start <= rule.farthestEntry;
     if (isNear && isClean({start.begin(), entry}, entry->time, rule)) {
         const std::int64_t first = entry->time;
-        const Pictures run = isWhole ? Pictures(entry, start.end()) : Pictures(pictures.end);
+        const Pictures run =
+            pictures.end.empty() ? Pictures(entry, start.end()) : Pictures(pictures.end);
         const std::size_t length = lengthOfRun(run, first, rule);
         CutPlan plan{.head = before(wanted, first),
                      .copied = CutPlan::Run{first, stopAt(run, length, first)},
@@ -98,7 +98,7 @@ std::optional<CutPlan> planCut(const PicturesAround& pictures, const CutRule& ru
         }
     }
     const std::int64_t longest = rule.farthestEntry + 2 * rule.leastCopied;
-    const bool isShort = isWhole && wanted.back() - wanted.front() <= longest;
+    const bool isShort = pictures.startIsWhole && wanted.back() - wanted.front() <= longest;
     return isShort ? std::optional(CutPlan{.head = wanted, .copied = {}, .tail = {}})
                    : std::nullopt;
 }

@@ -21,6 +21,7 @@ struct PicturesAround {
     /// All that may belong to its last ones; nothing where `start` holds the whole window, or where
     /// the window goes on to the end of the source.
     std::vector<IndexedPicture> end;
+    bool startIsWhole = true; ///< `start` holds all of the window
 };
 
 /// Which pictures are wanted, and what is worth a seam.

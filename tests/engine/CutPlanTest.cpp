@@ -63,8 +63,8 @@ TEST_P(CutPlanTable, plan_window_isAsListed) {
     const Case& tried = GetParam();
     const CutRule rule{.start = tried.from, .end = tried.to, .leastCopied = 2, .farthestEntry = 8};
 
-    EXPECT_EQ(described(planCut({picturesOf(tried.start), picturesOf(tried.end)}, rule)),
-              tried.plan);
+    const std::vector<IndexedPicture> end = picturesOf(tried.end);
+    EXPECT_EQ(described(planCut({picturesOf(tried.start), end, end.empty()}, rule)), tried.plan);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -107,7 +107,7 @@ TEST(CutPlan, plan_lastGroupTakesNothingShownAfterWhatIsLeftOut) {
     // 4 would be shown behind the encoded 3.
     const CutRule rule{.start = 0, .end = 5, .leastCopied = 2, .farthestEntry = 8};
 
-    EXPECT_EQ(described(planCut({picturesOf("K0 1 2 4 7 3 8"), {}}, rule)), "|0 to 4|3 4");
+    EXPECT_EQ(described(planCut({picturesOf("K0 1 2 4 7 3 8"), {}, true}, rule)), "|0 to 4|3 4");
 }
 
 } // namespace
