@@ -2,6 +2,7 @@
 #include "CopyPlan.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
+#include "ExactCopy.h"
 #include "ExactRun.h"
 #include "FrameRate.h"
 #include "MediaOperations.h"
@@ -135,6 +136,9 @@ RunReport LibavOperations::carryOut(const Job& job, ConversionEngine& engine) {
         return {};
     }
     try {
+        if (job.exact && !job.reencodes) {
+            return copyExactly(job, progress, engine.stopRequested);
+        }
         if (job.exact) {
             return runExactly(job, progress, engine.stopRequested);
         }

@@ -41,6 +41,16 @@ bool isAnyWanted(const PictureIndex& index, const CutRule& rule) {
     });
 }
 
+std::int64_t lastWanted(const PictureIndex& index, const CutRule& rule) {
+    std::int64_t last = rule.start;
+    for (const auto* list : {&index.around.start, &index.around.end}) {
+        for (const IndexedPicture& picture : *list) {
+            last = rule.wants(picture.time) ? std::max(last, picture.time) : last;
+        }
+    }
+    return last;
+}
+
 /// What of the pictures themselves speaks against a seam.
 std::string troubleWithSeams(const CodedPictures& source, int depth) {
     if (!canEncodeLike(source.stream())) {
@@ -156,6 +166,7 @@ CopyPlan planCopy(CodedPictures& source, const Window& window, const AVOutputFor
     const auto cut = trouble.empty() ? planCut(index.around, rule) : std::nullopt;
     if (cut) {
         plan.cut = *cut;
+        plan.last = lastWanted(index, rule);
         countPictures(source, index, rule, plan);
         trouble = troubleWithPlan(source, plan);
     } else if (trouble.empty()) {

@@ -15,10 +15,12 @@ namespace velmora {
 struct CopyPlan {
     CopyForecast forecast;
     WindowTimes window;
-    CutPlan cut;          ///< times in ticks of the source's pictures
-    std::int64_t end = 0; ///< likewise: after all of the window; CutRule::kToTheEnd: where the
-                          ///< source ends
-    int depth = 0;        ///< by how many pictures decoding may run ahead of showing
+    CutPlan cut;           ///< times in ticks of the source's pictures
+    std::int64_t end = 0;  ///< likewise: after all of the window; CutRule::kToTheEnd: where the
+                           ///< source ends
+    std::int64_t last = 0; ///< likewise: of the picture that is shown last; of a window to the end,
+                           ///< only of those that were read
+    int depth = 0;         ///< by how many pictures decoding may run ahead of showing
 
     bool isPossible() const { return forecast.refusal.empty(); }
     /// The time of the first picture.

@@ -103,7 +103,9 @@ std::string refusalOf(const AVStream& pictures, const AVStream* sound,
 SoundAbilities soundAbilities(const AVOutputFormat& format) {
     const bool hasEditList = isOneOf(format, kMp4) || isOneOf(format, kMov);
     const bool discardsEnd = isOneOf(format, kMatroska) || isOneOf(format, kWebm);
-    return {.startsBefore = hasEditList, .cutsEnd = hasEditList || discardsEnd};
+    return {.startsBefore = hasEditList,
+            .shiftsAll = discardsEnd,
+            .cutsEnd = hasEditList || discardsEnd};
 }
 
 int soundPreRoll(AVCodecID codec) {

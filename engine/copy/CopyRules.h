@@ -21,6 +21,7 @@ std::string refusalOf(const AVStream& pictures, const AVStream* sound,
 /// What the container can do at the edges of sound that is copied.
 struct SoundAbilities {
     bool startsBefore = false; ///< packets before the beginning are decoded, but not heard
+    bool shiftsAll = false;    ///< a packet before the beginning would move the pictures, too
     bool cutsEnd = false;      ///< what is behind the end is not heard
 };
 SoundAbilities soundAbilities(const AVOutputFormat& format);

@@ -26,6 +26,11 @@ int heldBefore(const std::vector<IndexedPicture>& list, std::int64_t time) {
         recentOf(list), [time](const IndexedPicture& picture) { return picture.time > time; }));
 }
 
+/// Decoded, but not shown.
+bool isHidden(const AVPacket& packet) {
+    return (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
+}
+
 class IndexReader {
 public:
     IndexReader(CodedPictures& pictures, const CutRule& rule) : pictures_(pictures), rule_(rule) {}
@@ -62,14 +67,17 @@ bool IndexReader::readInto(std::vector<IndexedPicture>& list) {
         return false;
     }
     index_.trouble = pictures_.troubleWith(*packet);
+    if (index_.trouble.empty() && isHidden(*packet) && rule_.wants(packet->pts)) {
+        index_.trouble = "its container hides some of its pictures.";
+    }
     if (index_.trouble.empty() && hasTwin(list, packet->pts)) {
         index_.trouble = "two of its pictures have the same time.";
     }
     if (!index_.trouble.empty()) {
         return false;
     }
-    if ((packet->flags & AV_PKT_FLAG_DISCARD) != 0 && !rule_.wants(packet->pts)) {
-        return true; // decoded, but not shown
+    if (isHidden(*packet)) {
+        return true;
     }
     const bool isEntry = pictures_.isEntry(*packet);
     index_.depth = std::max(index_.depth, heldBefore(list, packet->pts));
