@@ -34,8 +34,6 @@ constexpr std::array kPictures = {
     Proved{"mov,matroska", AV_CODEC_ID_DNXHD},
     Proved{"matroska", AV_CODEC_ID_FFV1},
     Proved{"mp4,ipod,mov,matroska", AV_CODEC_ID_MPEG4},
-    Proved{"matroska,webm", AV_CODEC_ID_VP8},
-    Proved{"mp4,matroska,webm", AV_CODEC_ID_VP9},
 };
 
 constexpr std::array kSound = {
@@ -45,7 +43,6 @@ constexpr std::array kSound = {
     Proved{"mpegts", AV_CODEC_ID_MP2},
     Proved{"mp4", AV_CODEC_ID_OPUS},
     Proved{"mp4,matroska", AV_CODEC_ID_FLAC},
-    Proved{"matroska,webm", AV_CODEC_ID_VORBIS},
 };
 
 bool isProved(std::span<const Proved> table, const AVOutputFormat& format, AVCodecID codec) {

@@ -17,11 +17,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Where a link leads: it stays one.
-std::string behindLinks(const std::string& path) {
+/// Where a link leads, also one that leads nowhere yet: it stays a link.
+fs::path behindLinks(fs::path path) {
+    constexpr int kMostLinks = 40;
     std::error_code failure;
-    const fs::path real = fs::weakly_canonical(path, failure);
-    return failure ? path : real.string();
+    for (int i = 0; i < kMostLinks && fs::is_symlink(path, failure); ++i) {
+        const fs::path next = fs::read_symlink(path, failure);
+        if (failure) {
+            break;
+        }
+        path = path.parent_path() / next; // an absolute one replaces all of it
+    }
+    return path;
 }
 
 /// Muxers look at the end of a name.
@@ -32,8 +39,8 @@ std::string besideTarget(const fs::path& target) {
 
 } // namespace
 
-StagedFile::StagedFile(std::string target)
-    : target_(behindLinks(target)), path_(besideTarget(target_)) {}
+StagedFile::StagedFile(const std::string& target)
+    : target_(behindLinks(target).string()), path_(besideTarget(target_)) {}
 
 StagedFile::~StagedFile() {
     if (!isDone_) {

@@ -9,7 +9,7 @@ namespace velmora {
 class StagedFile {
 public:
     /// Nothing on the disk is touched.
-    explicit StagedFile(std::string target);
+    explicit StagedFile(const std::string& target);
     ~StagedFile();
     StagedFile(const StagedFile&) = delete;
     StagedFile& operator=(const StagedFile&) = delete;
