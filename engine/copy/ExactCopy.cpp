@@ -274,7 +274,7 @@ RunReport copyExactly(const Job& job, RunProgress& progress, const StopFlag& sto
     progress.inputIs(0);
     RunReport report;
     int result = AVERROR(ENOSYS);
-    if (job.joins || job.windows.empty()) {
+    if (job.joins || job.inputPaths.size() != 1 || job.windows.empty()) {
         report.finding = "Videos cannot be joined exactly without encoding them again.";
     } else { // closes what is open, and removes what is not to stay
         CopyJob copy(job, progress, stop);
