@@ -1,7 +1,9 @@
 #include "CauseOfFailure.h"
 #include "ConversionEngine.h"
+#include "CopyPlan.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
+#include "ExactCopy.h"
 #include "ExactRun.h"
 #include "FrameRate.h"
 #include "MediaOperations.h"
@@ -96,6 +98,10 @@ public:
                               const std::string& picturePath) override {
         return velmora::writePicture(path, timeMs, picturePath);
     }
+    CopyForecast forecastCopy(const std::string& path, const Window& window,
+                              const std::string& outputPath, const StopFlag& stop) override {
+        return velmora::forecastCopy(path, window, outputPath, &stop);
+    }
     std::int32_t snapshot(ConversionEngine& engine) override;
     FailureCause causeOfRefusal() const override { return causeOfRefusal_; }
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
@@ -152,6 +158,9 @@ RunReport LibavOperations::carryOut(const Job& job, ConversionEngine& engine) {
         return {};
     }
     try {
+        if (job.exact && !job.reencodes) {
+            return copyExactly(job, progress, engine.stopRequested);
+        }
         if (job.exact) {
             return runExactly(job, progress, engine.stopRequested);
         }

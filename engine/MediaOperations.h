@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CopyForecast.h"
 #include "FailureCause.h"
 #include "LogSink.h"
 #include "RunReport.h"
@@ -14,6 +15,7 @@ namespace velmora {
 
 class ConversionEngine;
 struct Job;
+struct Window;
 
 /// What the engine does with the media libraries. Apart from the engine's state, so that a program
 /// can have its windows on screen before it loads those libraries, which takes longer than
@@ -35,6 +37,10 @@ public:
 
     /// Why the last probe has refused its file; None when it has not.
     virtual FailureCause causeOfRefusal() const = 0;
+    /// See velmora::forecastCopy. On any thread.
+    virtual CopyForecast forecastCopy(const std::string& path, const Window& window,
+                                      const std::string& outputPath, const StopFlag& stop) = 0;
+
     /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
     virtual SampleAspectRatio sampleAspectRatio() const = 0;
     /// libavcodec's name of an AVCodecID; lives as long as the process.

@@ -23,7 +23,8 @@ QString describe(const Job& job) {
                 QString::asprintf(", %.3f s to %.3f s", start, start + job.spanSeconds[i]);
         }
     }
-    const QString mode = !job.reencodes ? "copied" : job.exact ? "re-encoded, exact" : "re-encoded";
+    const QString mode =
+        QString(job.reencodes ? "re-encoded" : "copied") + (job.exact ? ", exact" : "");
     return QString("%1 (%2) of\n%3")
         .arg(job.outputPaths.empty() ? QString() : QString::fromStdString(job.outputPaths.front()),
              mode, inputs.join('\n'));

@@ -83,6 +83,8 @@ const char* wordsFor(Operation operation) {
         return "queue";
     case Operation::EncodeSound:
         return "encode";
+    case Operation::EncodeEnds:
+        return "encode the ends";
     case Operation::OpenBesidesOutput:
         return "open besides the output";
     case Operation::BeginOutput:

@@ -33,6 +33,7 @@ enum class Operation {
     OpenAudioEncoder,
     QueueSound,
     EncodeSound,
+    EncodeEnds, ///< of what is copied
     OpenBesidesOutput,
     BeginOutput,
     WritePacket,

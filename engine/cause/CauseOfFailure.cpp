@@ -154,7 +154,7 @@ FailureCause causeOf(const Failure& failure, const Job& job) {
     case Operation::FinishOutput:
         return causeOfUnwritable(failure, job);
     case Operation::OpenVideoEncoder:
-        return causeOfRefusedPictures(job);
+        return job.reencodes ? causeOfRefusedPictures(job) : causeOf(failure);
     case Operation::OpenAudioEncoder:
         return causeOfRefusedSound(job);
     case Operation::SetUpStreams:

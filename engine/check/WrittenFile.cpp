@@ -69,7 +69,7 @@ std::vector<PacketHandle> shortRest(InputMedia& input, PacketHandle packet) {
     const AVCodecParameters& coded = *input.videoStream()->codecpar;
     const std::int64_t pixels = std::max(INT64_C(1) * coded.width * coded.height, INT64_C(1));
     std::vector<PacketHandle> packets;
-    for (; packet != nullptr; packet = nextPicturePacket(input)) {
+    for (; packet != nullptr; packet = input.readVideoPacket()) {
         packets.push_back(std::move(packet));
         if (static_cast<std::int64_t>(packets.size()) * pixels > kMostPixels) {
             return {};

@@ -44,6 +44,10 @@ int Decoder::open(const AVStream& stream, const std::string& path, Threads threa
     return 0;
 }
 
+void Decoder::failOnErrors() {
+    context_->err_recognition |= AV_EF_EXPLODE;
+}
+
 bool Decoder::send(const AVPacket& packet) {
     // Without data, it would be taken for the end of the stream.
     return packet.size <= 0 || avcodec_send_packet(context_.get(), &packet) >= 0;

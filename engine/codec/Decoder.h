@@ -19,6 +19,8 @@ public:
     /// closed then.
     int open(const AVStream& stream, const std::string& path, Threads threads = Threads::One);
     void close() { context_.reset(); }
+    /// From now on each error that is found fails the packet, however small. Of one thread only.
+    void failOnErrors();
     bool isOpen() const { return context_ != nullptr; }
 
     /// What the stream's headers say, and what decoding has told of it since. It has to be open.

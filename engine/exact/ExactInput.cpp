@@ -6,18 +6,6 @@
 #include <utility>
 
 namespace velmora {
-namespace {
-
-constexpr std::int64_t kUsPerMs = 1000;
-constexpr std::int64_t kHalfMsUs = 500; // times are shown and typed in whole milliseconds
-
-/// Milliseconds from where the container begins, on its time line.
-std::int64_t onTimeLine(std::int64_t ms, const InputMedia& media) {
-    constexpr std::int64_t kMost = INT64_MAX / 4 / kUsPerMs;
-    return std::clamp(ms, -kMost, kMost) * kUsPerMs + media.startUs();
-}
-
-} // namespace
 
 int ExactInput::open() {
     int result = pictures_.open();
@@ -25,15 +13,10 @@ int ExactInput::open() {
         return result;
     }
     const InputMedia& media = pictures_.input();
-    const std::int64_t lengthUs = media.container()->duration;
     std::int64_t startUs = INT64_MIN / 4;
     if (window_) {
-        startUs = onTimeLine(window_->startMs, media) - kHalfMsUs;
-        const std::int64_t endUs = onTimeLine(window_->endMs, media);
-        const bool toTheEnd = lengthUs > 0 && endUs - media.startUs() >= lengthUs - kUsPerMs;
-        if (!toTheEnd) {
-            endUs_ = endUs;
-        }
+        times_ = timesOf(*window_, media);
+        startUs = times_.startUs;
     }
     result = pictures_.goTo(startUs);
     if (result < 0) {
@@ -48,8 +31,7 @@ int ExactInput::open() {
 }
 
 bool ExactInput::isInWindow(const AVFrame& picture) const {
-    return !endUs_ ||
-           av_compare_ts(picture.pts, pictures_.timeBase(), *endUs_ - kHalfMsUs, kMicrosecond) < 0;
+    return times_.isBeforeEnd(picture.pts, pictures_.timeBase());
 }
 
 bool ExactInput::openSound(const AudioFormat& format) {
@@ -63,11 +45,11 @@ bool ExactInput::openSound(const AudioFormat& format) {
 }
 
 std::optional<double> ExactInput::endSeconds() const {
-    if (!endUs_) {
+    if (!times_.endUs) {
         return std::nullopt;
     }
     const double begin = static_cast<double>(origin_) * av_q2d(pictures_.timeBase());
-    return static_cast<double>(*endUs_) / AV_TIME_BASE - begin;
+    return static_cast<double>(*times_.endUs) / AV_TIME_BASE - begin;
 }
 
 bool ExactInput::isEndSure() const {

@@ -5,6 +5,7 @@
 #include "PictureReader.h"
 #include "PictureTiming.h"
 #include "SoundReader.h"
+#include "WindowTimes.h"
 
 #include <cstdint>
 #include <memory>
@@ -37,7 +38,7 @@ public:
     bool isEndSure() const;
     /// Where the window ends on the container's time line, microseconds; the largest number where
     /// the source does.
-    std::int64_t endUs() const { return endUs_.value_or(INT64_MAX); }
+    std::int64_t endUs() const { return times_.endUs.value_or(INT64_MAX); }
 
     /// A picture's time and duration, ticks of the stream, since the first picture.
     struct Shown {
@@ -72,7 +73,7 @@ private:
     FrameHandle first_;
     std::int64_t origin_ = 0;
     std::int64_t picturesEnd_ = 0;
-    std::optional<std::int64_t> endUs_; ///< on the container's time line; nothing: to the end
+    WindowTimes times_; ///< without a window, nothing is left out at the end
     bool ended_ = false;
     bool sourceEnded_ = false;
     int failure_ = 0;

@@ -94,13 +94,12 @@ int OutputMedia::begin() {
 int OutputMedia::writeHeader() {
     // The file has a buffer of its own; flushing after every packet would only cost.
     context_->flush_packets = 0;
-    OptionDictionary options;
     if (isMatroska(format())) {
         // The checksums of all data take a third of the time of a copy; no player asks for them.
-        options.set("write_crc32", "0");
-        options.set("cluster_size_limit", "1048576");
+        setOption("write_crc32", "0");
+        setOption("cluster_size_limit", "1048576");
     }
-    return avformat_write_header(context_.get(), options.address());
+    return avformat_write_header(context_.get(), options_.address());
 }
 
 int OutputMedia::write(const OutputStream& stream, AVPacket& packet) {

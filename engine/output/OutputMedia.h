@@ -34,6 +34,8 @@ public:
     const AVOutputFormat& format() const { return *context_->oformat; }
     AVDictionary** tags() { return &context_->metadata; }
     AVFormatContext& container() { return *context_; }
+    /// Has the muxer write by this option, if it knows it. Before the header.
+    void setOption(const char* key, const char* value) { options_.set(key, value); }
 
     /// A new stream without parameters, to be filled in before the header; null without memory.
     OutputStream* addVideoStream(AVRational frameDuration);
@@ -70,6 +72,7 @@ private:
     std::string path_;
     FileWriter file_; ///< outlives the muxer, which writes through it
     OutputContextHandle context_;
+    OptionDictionary options_;
     OutputStream video_;
     OutputStream audio_;
     bool begun_ = false;

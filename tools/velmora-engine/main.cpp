@@ -46,6 +46,7 @@ constexpr std::string_view kUsageText = R"(usage:
   velmora-engine probe FILE
   velmora-engine snapshot FILE SECONDS OUT.bmp [--repeat N]
   velmora-engine picture FILE SECONDS OUT.png
+  velmora-engine plan FILE START END [OUT]
   velmora-engine cut FILE START END OUT [--exact] [--reencode SETTING...]
   velmora-engine join OUT FILE FILE... [--exact] [--reencode SETTING...]
 settings, with their defaults:
@@ -135,6 +136,33 @@ int picture(Arguments arguments) {
         velmora::mediaOperations().writePicture(arguments[0], milliseconds(*seconds), arguments[2]);
     print({{"code", code}});
     return code == 0 ? kSuccess : kFailure;
+}
+
+/// What an exact copy would do; into a file of the same kind, where none is named.
+int plan(Arguments arguments) {
+    const bool isComplete = arguments.size() == 3 || arguments.size() == 4;
+    const auto start = isComplete ? parseNumber<double>(arguments[1]) : std::nullopt;
+    const auto end = isComplete ? parseNumber<double>(arguments[2]) : std::nullopt;
+    if (!start || !end) {
+        return usage();
+    }
+    const velmora::Window window{milliseconds(*start), milliseconds(*end)};
+    const auto before = std::chrono::steady_clock::now();
+    const velmora::CopyForecast forecast = velmora::mediaOperations().forecastCopy(
+        arguments[0], window, arguments.size() == 4 ? arguments[3] : arguments[0],
+        ConversionEngine::instance().stopRequested);
+    const auto taken = std::chrono::steady_clock::now() - before;
+    json result{{"possible", forecast.refusal.empty()},
+                {"milliseconds", std::chrono::duration<double, std::milli>(taken).count()}};
+    if (forecast.refusal.empty()) {
+        result["encoded"] = forecast.encoded;
+        result["pictures"] = forecast.pictures;
+        result["estimated"] = forecast.isEstimate;
+    } else {
+        result["refusal"] = forecast.refusal;
+    }
+    print(result);
+    return forecast.refusal.empty() ? kSuccess : kFailure;
 }
 
 void requestStop(int /*signal*/) {
@@ -278,6 +306,9 @@ int command(Arguments arguments) {
     }
     if (name == "picture") {
         return picture(rest);
+    }
+    if (name == "plan") {
+        return plan(rest);
     }
     if (name == "cut") {
         return cut(rest);

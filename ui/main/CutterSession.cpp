@@ -308,11 +308,12 @@ void CutterSession::startCut() {
         return;
     }
     showTime(length_, toSeconds(lengthMs));
-    mCutterWincontroller->setExactWindow(parsedMilliseconds(start_.text()).value_or(0),
-                                         parsedMilliseconds(end_.text()).value_or(0));
     showTrouble();
     mCutterWincontroller->setCutterOutputFilename(fileNameWithoutExtension(filename_),
                                                   pathExtension(filename_));
+    mCutterWincontroller->setExactSource(filename_);
+    mCutterWincontroller->setExactWindow(parsedMilliseconds(start_.text()).value_or(0),
+                                         parsedMilliseconds(end_.text()).value_or(0));
     QWidget& panel = mCutterWincontroller->window();
     panel.setWindowTitle("Cutter Setting");
     runModalForWindow(panel);

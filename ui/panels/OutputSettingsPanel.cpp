@@ -10,6 +10,7 @@
 #include "UserName.h"
 #include "ui_OutputSettingsForm.h"
 
+#include <QCheckBox>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -45,7 +46,7 @@ void OutputSettingsPanel::load() {
     window_->windowShouldClose = [this] { return windowShouldClose(); };
     windowDidLoad();
     bindActions();
-    form_->setExact(!trouble_.isEmpty());
+    reencodesExactly_ = !trouble_.isEmpty();
     refreshExact();
     refreshResultPath();
 }
@@ -56,16 +57,29 @@ void OutputSettingsPanel::setTrouble(const QString& trouble) {
     }
     trouble_ = trouble;
     if (isLoaded()) {
-        form_->setExact(!trouble_.isEmpty());
+        reencodesExactly_ = !trouble_.isEmpty();
         refreshExact();
     }
 }
 
-/// Packets that are copied begin and end where they do in the source.
+bool OutputSettingsPanel::isExactCopy() const {
+    return selectedRow() != kReencodeRow && canCopyExactly() && copiesExactly_;
+}
+
+/// Of the row that is selected. A box that cannot be used shows what it is for the other one.
+bool& OutputSettingsPanel::exactChoice() {
+    return selectedRow() == kReencodeRow || !canCopyExactly() ? reencodesExactly_ : copiesExactly_;
+}
+
+QString OutputSettingsPanel::exactCopySentence() {
+    return "Needs re-encoding: copies begin at key frames.";
+}
+
 void OutputSettingsPanel::refreshExact() {
-    const bool possible = selectedRow() == kReencodeRow;
-    const QString hint =
-        possible ? exactSentence() : QString("Needs re-encoding: copies begin at key frames.");
+    const bool reencodes = selectedRow() == kReencodeRow;
+    const bool possible = reencodes || canCopyExactly();
+    form_->setExact(exactChoice());
+    const QString hint = reencodes ? exactSentence() : exactCopySentence();
     form_->showExact(possible, trouble_.isEmpty() ? hint : trouble_ + '\n' + hint);
 }
 
@@ -89,6 +103,10 @@ void OutputSettingsPanel::bindActions() {
     QObject::connect(form.mComboBox, &QComboBox::editTextChanged, form_,
                      [this] { refreshResultPath(); });
     QObject::connect(&form_->rows(), &QButtonGroup::idClicked, form_, [this] { mButMakeChoice(); });
+    QObject::connect(form.mExact, &QCheckBox::clicked, form_, [this](bool checked) {
+        exactChoice() = checked;
+        refreshExact();
+    });
     QObject::connect(&form_->rows(), &QButtonGroup::idToggled, form_, [this] {
         refreshExact();
         refreshResultPath();

@@ -63,8 +63,8 @@ public:
     bool windowShouldClose();
 
     /// Why the source comes out wrong unless Exact is chosen, as a sentence; empty when it does
-    /// not. Another one than before chooses Exact, or takes the choice back; what the user has
-    /// chosen since stays.
+    /// not. Another one than before chooses Exact for re-encoding, or takes the choice back; what
+    /// the user has chosen since stays.
     void setTrouble(const QString& trouble);
 
     // Actions of the widgets.
@@ -106,9 +106,17 @@ protected:
 
     /// What Exact means, as a sentence.
     virtual QString exactSentence() const = 0;
+    /// Whether Exact can be chosen for direct copying, too.
+    virtual bool canCopyExactly() const { return false; }
+    /// What it means there, or why it cannot be chosen, as a sentence.
+    virtual QString exactCopySentence();
+    /// Shows anew whether Exact can be chosen and what it means.
+    void refreshExact();
 
     const Ui::OutputSettingsForm& outlets() const;
     bool isLoaded() const { return form_ != nullptr; }
+    /// Whether the user has chosen an exact copy.
+    bool isExactCopy() const;
     int selectedRow() const;
     QString folder() const;
     QString profileText() const;
@@ -148,7 +156,7 @@ private:
     void parametersToSetting();
     void parametersFromSetting(const QString& frameRateShownBefore);
     void refreshResultPath();
-    void refreshExact();
+    bool& exactChoice();
     QString channelChoice() const;
     QString composedPath(const QString& extension) const;
     const ProfileParameter* parameterOfProfile(const QString& name) const;
@@ -158,8 +166,10 @@ private:
     OutputSettingsForm* form_ = nullptr;  ///< the window's
     std::optional<ParameterBoxes> boxes_; ///< the form's
     SettingEditing editing_;
-    QString profileOnShow_; ///< whose choices the boxes hold
-    QString trouble_;       ///< of the source
+    QString profileOnShow_;         ///< whose choices the boxes hold
+    QString trouble_;               ///< of the source
+    bool reencodesExactly_ = false; ///< the choice for re-encoding
+    bool copiesExactly_ = false;    ///< and that for direct copying, which is the user's alone
 };
 
 } // namespace velmora

@@ -26,7 +26,13 @@ constexpr std::int32_t kNoTime = -1;
 
 } // namespace
 
-cutterWinController::cutterWinController(QWidget* owner) : OutputSettingsPanel(owner) {}
+cutterWinController::cutterWinController(QWidget* owner) : OutputSettingsPanel(owner) {
+    QObject::connect(&forecast_, &CopyForecastReader::known, &forecast_, [this] {
+        if (isLoaded()) {
+            refreshExact();
+        }
+    });
+}
 
 std::int32_t cutterWinController::parseSpecificStringToMs(const QString& time) {
     const std::optional<std::int32_t> parsed = parsedMilliseconds(time);
@@ -52,6 +58,22 @@ std::int32_t cutterWinController::setStartAndEnd(const QString& start, const QSt
 void cutterWinController::setExactWindow(std::int64_t startMs, std::int64_t endMs) {
     startMs_ = startMs;
     endMs_ = endMs;
+    if (isLoaded()) {
+        refreshExact();
+    }
+}
+
+void cutterWinController::setExactSource(const QString& path) {
+    source_ = path;
+}
+
+QString cutterWinController::exactCopySentence() {
+    if (!isExactCopy() || source_.isEmpty()) {
+        return "Copies precisely the pictures between both times; only some around them are "
+               "encoded again.";
+    }
+    forecast_.read(source_, {startMs_, endMs_}, "output." + mExtension);
+    return forecast_.forecast() ? sentenceOf(*forecast_.forecast()) : "Looking at the video…";
 }
 
 QString cutterWinController::exactSentence() const {
@@ -72,6 +94,9 @@ void cutterWinController::mButStartCut() {
                          QString::number(CommonAction::fileExist(mOutputFilename) ? 1 : 0)));
     if (folder().isEmpty()) {
         return showPlainAlert("Please click browse button to select output first!");
+    }
+    if (isExactCopy() && forecast_.forecast() && !forecast_.forecast()->refusal.empty()) {
+        return showPlainAlert(sentenceOf(*forecast_.forecast()));
     }
     createConverter();
     ConverterInfo job = newJob(true);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CopyForecastReader.h"
 #include "OutputSettingsPanel.h"
 
 #include <QString>
@@ -21,6 +22,8 @@ public:
     /// milliseconds; -1 if a text is no time or the end lies before the start.
     static std::int32_t setStartAndEnd(const QString& start, const QString& end);
 
+    /// The video that is cut, for what is told of an exact copy before it starts.
+    void setExactSource(const QString& path);
     /// What an exact cut takes, milliseconds: as it was typed, while the setting rounds long times.
     void setExactWindow(std::int64_t startMs, std::int64_t endMs);
 
@@ -39,12 +42,17 @@ protected:
     QString chosenFrameRate() const override;
     void selectFrameRate(const QString& rate, const QString& shownBefore) override;
     QString exactSentence() const override;
+    bool canCopyExactly() const override { return true; }
+    /// What the copy would do, once the box is checked.
+    QString exactCopySentence() override;
 
 private:
     bool keepsSourceFrameRate() const;
 
     std::int64_t startMs_ = 0;
     std::int64_t endMs_ = 0;
+    QString source_;
+    CopyForecastReader forecast_;
 };
 
 } // namespace velmora
