@@ -68,6 +68,9 @@ std::string troubleWithSource(const CodedPictures& source) {
     if (source.isH264() && !source.sets()) {
         return "its decoder settings are not in its header.";
     }
+    if (source.isH264() && !source.sets()->areAlike()) {
+        return "its pictures are of several kinds.";
+    }
     const AVCodecParameters& parameters = *source.stream().codecpar;
     if (source.isTimedByOrder() && parameters.video_delay > 0) {
         return "its pictures have no times of their own.";

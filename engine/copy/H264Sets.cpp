@@ -6,7 +6,8 @@
 namespace velmora {
 namespace {
 
-constexpr std::uint32_t kIds = 32; // that a sequence set may have; a picture set has 256
+constexpr std::uint32_t kIds = 32; // that a sequence set may have
+constexpr std::size_t kMostPictureSets = 255;
 
 /// Those whose sets tell of the chroma format and the depth.
 bool isHighProfile(std::uint8_t profile) {
@@ -62,6 +63,10 @@ std::uint32_t idOf(NalUnit unit) {
     }
     const auto sequence = parseSequence(unit);
     return sequence ? sequence->id : kIds;
+}
+
+bool hasId(const std::vector<Bytes>& sets, std::uint32_t id) {
+    return std::ranges::any_of(sets, [id](const Bytes& set) { return idOf(set) == id; });
 }
 
 bool holdsUnit(const std::vector<Bytes>& units, NalUnit unit) {
@@ -140,22 +145,27 @@ std::optional<H264Sets> H264Sets::parse(std::span<const std::uint8_t> extradata)
         units = unitsOf(extradata, 0);
     }
     if (!units || !std::ranges::all_of(*units, [&](NalUnit unit) { return sets.take(unit); }) ||
-        sets.sequences_.empty() || sets.pictures_.empty()) {
+        sets.sequences_.empty() || sets.pictures_.empty() || sets.sequences_.size() >= kIds ||
+        sets.pictures_.size() > kMostPictureSets) {
         return std::nullopt;
     }
     return sets;
 }
 
-/// False: the unit is damaged. What is no set is passed over.
+/// False: the unit is damaged, or takes another one's place. What is no set is passed over.
 bool H264Sets::take(NalUnit unit) {
-    if (typeOf(unit) == H264Unit::PictureSet && !holdsUnit(pictures_, unit)) {
-        pictures_.emplace_back(unit.begin(), unit.end());
-    } else if (typeOf(unit) == H264Unit::SequenceSet && !holdsUnit(sequences_, unit)) {
-        const auto sequence = parseSequence(unit);
-        if (!sequence) {
-            return false;
-        }
-        sequences_.emplace_back(unit.begin(), unit.end());
+    constexpr std::size_t kMostBytes = 0xFFFF; // that a record can tell of
+    const bool isSequence = typeOf(unit) == H264Unit::SequenceSet;
+    if ((!isSequence && typeOf(unit) != H264Unit::PictureSet) || holds(unit)) {
+        return true;
+    }
+    std::vector<Bytes>& sets = isSequence ? sequences_ : pictures_;
+    const auto sequence = parseSequence(unit);
+    if (unit.size() > kMostBytes || (isSequence && !sequence) || hasId(sets, idOf(unit))) {
+        return false;
+    }
+    sets.emplace_back(unit.begin(), unit.end());
+    if (sequence) {
         parsed_.push_back(*sequence);
     }
     return true;
@@ -166,15 +176,21 @@ bool H264Sets::holds(NalUnit unit) const {
 }
 
 std::optional<std::uint32_t> H264Sets::freeId() const {
-    const auto isTaken = [](const std::vector<Bytes>& sets, std::uint32_t id) {
-        return std::ranges::any_of(sets, [id](const Bytes& set) { return idOf(set) == id; });
-    };
-    for (std::uint32_t id = kIds - 1; id > 0; --id) {
-        if (!isTaken(sequences_, id) && !isTaken(pictures_, id)) {
+    // A record has room for one less of each kind than there are ids.
+    const bool hasRoom = sequences_.size() < kIds - 1 && pictures_.size() < kMostPictureSets;
+    for (std::uint32_t id = kIds - 1; hasRoom && id > 0; --id) {
+        if (!hasId(sequences_, id) && !hasId(pictures_, id)) {
             return id;
         }
     }
     return std::nullopt;
+}
+
+bool H264Sets::areAlike() const {
+    return std::ranges::all_of(parsed_, [this](H264Sequence sequence) {
+        sequence.id = parsed_.front().id;
+        return sequence == parsed_.front();
+    });
 }
 
 void H264Sets::add(const H264Sets& other) {

@@ -56,12 +56,14 @@ std::optional<H264Sequence> parseSequence(NalUnit unit);
 class H264Sets {
 public:
     /// Of a decoder configuration record, or of units with start codes. Nothing where there is none
-    /// of a kind, or what is there is damaged.
+    /// of a kind, what is there is damaged, or two have one id.
     static std::optional<H264Sets> parse(std::span<const std::uint8_t> extradata);
 
     /// How packets of the track that they come from are divided.
     NalLengthSize lengthSize() const { return lengthSize_; }
     const std::vector<H264Sequence>& sequences() const { return parsed_; }
+    /// Whether all sequences have pictures of the same kind, so that each slice is of the first.
+    bool areAlike() const;
     /// Whether the unit is one of them, to the byte.
     bool holds(NalUnit unit) const;
     /// An id that no set of either kind has; nothing when all are taken.
@@ -81,7 +83,7 @@ private:
     std::vector<Bytes> pictures_;
 };
 
-/// Whether the slice holds one field of a picture; `sequence` is the stream's only one.
+/// Whether the slice, which goes by this sequence, holds one field of a picture.
 bool isField(NalUnit slice, const H264Sequence& sequence);
 
 } // namespace velmora

@@ -58,7 +58,7 @@ bool ExactInput::isEndSure() const {
                              container.duration_estimation_method != AVFMT_DURATION_FROM_BITRATE &&
                              !pictures_.clockHasJumped();
     return !sourceEnded_ ||
-           (tellsLength && endUs_ && *endUs_ <= media().startUs() + container.duration);
+           (tellsLength && times_.endUs && *times_.endUs <= media().startUs() + container.duration);
 }
 
 FrameHandle ExactInput::nextOfWindow() {
