@@ -4,6 +4,7 @@
 #include "ExactRun.h"
 #include "FrameRate.h"
 #include "MediaOperations.h"
+#include "PeakReader.h"
 #include "PictureFile.h"
 #include "PreviewFile.h"
 #include "Probe.h"
@@ -79,6 +80,9 @@ public:
     RunReport run(const Job& job, ConversionEngine& engine) override;
     SourceFacts readFacts(const std::string& path, const StopFlag& stop) override {
         return velmora::readFacts(path, &stop);
+    }
+    std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) override {
+        return std::make_unique<PeakReader>(path, &stop);
     }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {

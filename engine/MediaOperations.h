@@ -3,10 +3,12 @@
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
+#include "SoundPeaks.h"
 #include "SourceFacts.h"
 #include "StopFlag.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace velmora {
@@ -28,6 +30,9 @@ public:
 
     /// See velmora::readFacts. On any thread.
     virtual SourceFacts readFacts(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::PeakReader. Its reads end early once `stop`, which outlives it, is raised. On
+    /// any thread.
+    virtual std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) = 0;
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;

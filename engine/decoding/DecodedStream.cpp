@@ -2,6 +2,7 @@
 
 #include "FrameRate.h"
 #include "SourceStreams.h"
+#include "TimeBases.h"
 
 extern "C" {
 #include <libavutil/avstring.h>
@@ -11,6 +12,9 @@ extern "C" {
 
 namespace velmora {
 namespace {
+
+// Decoders need some sound before that which is to come out right, and files hold it in blocks.
+constexpr std::int64_t kLeadInUs = 1'000'000;
 
 /// What a picture of the stream lasts, in its ticks, where nothing else is known.
 std::int64_t ticksPerPicture(const AVStream& stream) {
@@ -98,6 +102,26 @@ int DecodedStream::seek(std::int64_t timestamp) {
     }
     atStart_ = false;
     return input_->seekStream(stream_->index, timestamp);
+}
+
+int DecodedStream::beginBefore(std::int64_t us) {
+    const AVRational timeBase = stream_->time_base;
+    const std::int64_t wanted = us - kLeadInUs;
+    for (std::int64_t back = 0; wanted - back > input_->startUs(); back = 4 * back + kLeadInUs) {
+        if (seek(av_rescale_q(wanted - back, kMicrosecond, timeBase)) < 0) {
+            break;
+        }
+        PacketHandle first = readPacket();
+        const std::int64_t time = first == nullptr               ? AV_NOPTS_VALUE
+                                  : first->pts != AV_NOPTS_VALUE ? first->pts
+                                                                 : first->dts;
+        if (time != AV_NOPTS_VALUE &&
+            av_compare_ts(time, timeBase, wanted + kLeadInUs / 2, kMicrosecond) <= 0) {
+            decodeFrom(std::move(first));
+            return 0;
+        }
+    }
+    return rewind();
 }
 
 int DecodedStream::seekInTransport(std::int64_t timestamp) {

@@ -34,6 +34,9 @@ public:
     /// Goes to a place that is not after `timestamp`, if one can be told. 0 or more, or a negative
     /// code. The first time, a transport stream is read up to there.
     int seek(std::int64_t timestamp);
+    /// What is decoded next begins so far before this moment on the container's time line,
+    /// microseconds, that sound comes out right from it on. 0 or a negative code.
+    int beginBefore(std::int64_t us);
     /// The next packet, without decoding it; null at the end.
     PacketHandle readPacket();
     /// What is decoded next begins with this packet, or with the next one if it is null.
