@@ -1,4 +1,5 @@
 #include "ConversionEngine.h"
+#include "DirectStart.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
 #include "ExactRun.h"
@@ -80,6 +81,10 @@ public:
     RunReport run(const Job& job, ConversionEngine& engine) override;
     SourceFacts readFacts(const std::string& path, const StopFlag& stop) override {
         return velmora::readFacts(path, &stop);
+    }
+    std::optional<DirectStretch> directStretch(const std::string& path, double startSeconds,
+                                               double endSeconds, const StopFlag& stop) override {
+        return velmora::directStretch(path, startSeconds, endSeconds, &stop);
     }
     std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) override {
         return std::make_unique<PeakReader>(path, &stop);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DirectStretch.h"
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
@@ -9,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace velmora {
@@ -30,6 +32,9 @@ public:
 
     /// See velmora::readFacts. On any thread.
     virtual SourceFacts readFacts(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::directStretch. On any thread.
+    virtual std::optional<DirectStretch> directStretch(const std::string& path, double startSeconds,
+                                                       double endSeconds, const StopFlag& stop) = 0;
     /// See velmora::PeakReader. Its reads end early once `stop`, which outlives it, is raised. On
     /// any thread.
     virtual std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) = 0;
