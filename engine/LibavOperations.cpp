@@ -3,6 +3,7 @@
 #include "EngineProgress.h"
 #include "ExactRun.h"
 #include "FrameRate.h"
+#include "KeyFrameReading.h"
 #include "MediaOperations.h"
 #include "PictureFile.h"
 #include "PreviewFile.h"
@@ -79,6 +80,9 @@ public:
     RunReport run(const Job& job, ConversionEngine& engine) override;
     SourceFacts readFacts(const std::string& path, const StopFlag& stop) override {
         return velmora::readFacts(path, &stop);
+    }
+    KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) override {
+        return velmora::readKeyFrames(path, &stop);
     }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KeyFrames.h"
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
@@ -28,6 +29,8 @@ public:
 
     /// See velmora::readFacts. On any thread.
     virtual SourceFacts readFacts(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::readKeyFrames. On any thread.
+    virtual KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) = 0;
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;

@@ -10,9 +10,7 @@ extern "C" {
 #include <utility>
 
 namespace velmora {
-namespace {
 
-/// What a picture of the stream lasts, in its ticks, where nothing else is known.
 std::int64_t ticksPerPicture(const AVStream& stream) {
     const AVRational rate = correctedFrameRate(stream.r_frame_rate);
     if (rate.num <= 0 || rate.den <= 0) {
@@ -20,8 +18,6 @@ std::int64_t ticksPerPicture(const AVStream& stream) {
     }
     return std::max(av_rescale_q(1, av_inv_q(rate), stream.time_base), INT64_C(1));
 }
-
-} // namespace
 
 DecodedStream::DecodedStream(std::string path, Kind kind, const StopFlag* stop)
     : path_(std::move(path)), kind_(kind), stop_(stop) {}
