@@ -103,6 +103,15 @@ TEST(KeyFrameReading, matroskaWithIndex_isNotReadToItsEnd) {
     expectNear(keyFramesOf(folder / "cut.mkv"), referenceOf(whole));
 }
 
+TEST(KeyFrameReading, manyOpenGroupsInMov_haveTheirOwnDelays) {
+    const std::string source =
+        mediaMadeBy("-f lavfi -i testsrc2=size=64x36:rate=25:duration=8 -c:v libx264 -g 5 -bf 2 "
+                    "-x264-params open-gop=1:scenecut=0",
+                    "keys-open.mp4");
+    ASSERT_GT(referenceOf(source).size(), 32U);
+    expectNear(keyFramesOf(source), referenceOf(source));
+}
+
 TEST(KeyFrameReading, clockThatJumps_goesOn) {
     const KeyFrames found = keyFramesOf(mediaPath("two-recordings.ts"));
     const std::size_t expected = keyFramesOf(mediaPath("h264-bframes.ts")).size() +
