@@ -4,6 +4,7 @@
 #include "EngineProgress.h"
 #include "ExactRun.h"
 #include "FrameRate.h"
+#include "KeyFrameReading.h"
 #include "MediaOperations.h"
 #include "PeakReader.h"
 #include "PictureFile.h"
@@ -88,6 +89,9 @@ public:
     }
     std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) override {
         return std::make_unique<PeakReader>(path, &stop);
+    }
+    KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) override {
+        return velmora::readKeyFrames(path, &stop);
     }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {

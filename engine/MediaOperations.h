@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DirectStretch.h"
+#include "KeyFrames.h"
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
@@ -38,6 +39,8 @@ public:
     /// See velmora::PeakReader. Its reads end early once `stop`, which outlives it, is raised. On
     /// any thread.
     virtual std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::readKeyFrames. On any thread.
+    virtual KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) = 0;
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;

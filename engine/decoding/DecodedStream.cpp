@@ -16,7 +16,8 @@ namespace {
 // Decoders need some sound before that which is to come out right, and files hold it in blocks.
 constexpr std::int64_t kLeadInUs = 1'000'000;
 
-/// What a picture of the stream lasts, in its ticks, where nothing else is known.
+} // namespace
+
 std::int64_t ticksPerPicture(const AVStream& stream) {
     const AVRational rate = correctedFrameRate(stream.r_frame_rate);
     if (rate.num <= 0 || rate.den <= 0) {
@@ -24,8 +25,6 @@ std::int64_t ticksPerPicture(const AVStream& stream) {
     }
     return std::max(av_rescale_q(1, av_inv_q(rate), stream.time_base), INT64_C(1));
 }
-
-} // namespace
 
 DecodedStream::DecodedStream(std::string path, Kind kind, const StopFlag* stop)
     : path_(std::move(path)), kind_(kind), stop_(stop) {}

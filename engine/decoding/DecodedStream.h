@@ -13,6 +13,9 @@
 
 namespace velmora {
 
+/// What a picture of the stream lasts, in its ticks, where nothing else tells; at least 1.
+std::int64_t ticksPerPicture(const AVStream& stream);
+
 /// One stream of a source, opened for itself: it is read and decoded without regard to where the
 /// others of the file are. Times are ticks of the stream's time base, on the container's time line.
 /// Belongs to one thread; decodes with all cores.

@@ -1,6 +1,5 @@
 #include "PictureReader.h"
 
-#include "FrameRate.h"
 #include "TimeBases.h"
 
 #include <algorithm>
@@ -120,14 +119,7 @@ bool PictureReader::isBefore(const AVFrame& picture, std::int64_t us) const {
 }
 
 std::int64_t PictureReader::durationOf(const AVFrame& picture) const {
-    if (picture.pkt_duration > 0) {
-        return picture.pkt_duration;
-    }
-    const AVRational rate = correctedFrameRate(stream().r_frame_rate);
-    if (rate.num <= 0 || rate.den <= 0) {
-        return 1;
-    }
-    return std::max(av_rescale_q(1, av_inv_q(rate), timeBase()), INT64_C(1));
+    return picture.pkt_duration > 0 ? picture.pkt_duration : ticksPerPicture(stream());
 }
 
 } // namespace velmora
