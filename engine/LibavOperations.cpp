@@ -11,6 +11,7 @@
 #include "PreviewFile.h"
 #include "Probe.h"
 #include "Run.h"
+#include "ShownTimes.h"
 #include "SourceReading.h"
 #include "WrittenFile.h"
 
@@ -92,6 +93,10 @@ public:
     }
     KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) override {
         return velmora::readKeyFrames(path, &stop);
+    }
+    std::vector<std::int64_t> readShownTimes(const std::string& path, std::int64_t beginUs,
+                                             std::int64_t endUs, const StopFlag& stop) override {
+        return velmora::readShownTimes(path, beginUs, endUs, &stop);
     }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {

@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace velmora {
 
@@ -41,6 +42,9 @@ public:
     virtual std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) = 0;
     /// See velmora::readKeyFrames. On any thread.
     virtual KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::readShownTimes. On any thread.
+    virtual std::vector<std::int64_t> readShownTimes(const std::string& path, std::int64_t beginUs,
+                                                     std::int64_t endUs, const StopFlag& stop) = 0;
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;

@@ -13,42 +13,18 @@ double runSeconds(std::int64_t ms) {
 
 } // namespace
 
-DirectCutReader::DirectCutReader(QObject* parent) : QObject(parent) {
-    worker_.setMaxThreadCount(1);
-}
-
-DirectCutReader::~DirectCutReader() {
-    if (stop_) {
-        *stop_ = 1;
-    }
-    worker_.waitForDone();
-}
-
 void DirectCutReader::ask(const QString& path, std::int64_t startMs, std::int64_t endMs) {
     forget();
-    stop_ = std::make_shared<StopFlag>(StopFlag::value_type{0});
-    worker_.start([this, stop = stop_, path, startMs, endMs] {
-        if (isRaised(stop.get())) {
-            return;
-        }
-        const auto stretch = mediaOperations().directStretch(
-            path.toStdString(), runSeconds(startMs), runSeconds(endMs), *stop);
-        QMetaObject::invokeMethod(
-            this,
-            [this, stop, stretch] {
-                if (stop == stop_) {
-                    take(stretch);
-                }
-            },
-            Qt::QueuedConnection);
-    });
+    question_.ask(
+        [path, startMs, endMs](const StopFlag& stop) {
+            return mediaOperations().directStretch(path.toStdString(), runSeconds(startMs),
+                                                   runSeconds(endMs), stop);
+        },
+        [this](const std::optional<DirectStretch>& stretch) { take(stretch); });
 }
 
 void DirectCutReader::forget() {
-    if (stop_) {
-        *stop_ = 1;
-        stop_.reset();
-    }
+    question_.forget();
     take(std::nullopt);
 }
 

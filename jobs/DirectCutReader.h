@@ -1,14 +1,12 @@
 #pragma once
 
 #include "DirectStretch.h"
-#include "StopFlag.h"
+#include "NewestQuestion.h"
 
 #include <QObject>
 #include <QString>
-#include <QThreadPool>
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 
 namespace velmora {
@@ -19,11 +17,7 @@ class DirectCutReader : public QObject {
     Q_OBJECT
 
 public:
-    explicit DirectCutReader(QObject* parent = nullptr);
-    /// Gives up what is asked.
-    ~DirectCutReader() override;
-    DirectCutReader(const DirectCutReader&) = delete;
-    DirectCutReader& operator=(const DirectCutReader&) = delete;
+    using QObject::QObject;
 
     void ask(const QString& path, std::int64_t startMs, std::int64_t endMs);
     /// Nothing is asked any more.
@@ -39,8 +33,7 @@ private:
     void take(const std::optional<DirectStretch>& stretch);
 
     std::optional<DirectStretch> stretch_;
-    std::shared_ptr<StopFlag> stop_; ///< of the newest question
-    QThreadPool worker_;             ///< of one thread; last, so that all it uses outlives it
+    NewestQuestion question_; ///< last, so that all it uses outlives it
 };
 
 } // namespace velmora

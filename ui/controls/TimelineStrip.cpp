@@ -24,7 +24,6 @@ QString timeOf(std::int64_t us) {
 
 TimelineStrip::TimelineStrip(QWidget* parent) : QWidget(parent) {
     TimelineStripAccessible::install();
-    setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFixedHeight(kHeight);
 }
@@ -48,6 +47,7 @@ void TimelineStrip::viewMayHaveChanged(std::int64_t beginBefore, std::int64_t en
 
 void TimelineStrip::setVideo(std::int64_t lengthUs, std::int64_t pictureUs) {
     levelsAreOld_ = true;
+    setFocusPolicy(lengthUs > 0 ? Qt::StrongFocus : Qt::NoFocus);
     changeView([&] {
         model_.setLength(lengthUs);
         model_.setPictureLength(pictureUs);

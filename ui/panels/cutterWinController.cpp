@@ -54,6 +54,13 @@ void cutterWinController::setExactWindow(std::int64_t startMs, std::int64_t endM
     endMs_ = endMs;
 }
 
+void cutterWinController::setDirectCut(const QString& sentence) {
+    directCut_ = sentence;
+    if (directForm_ != nullptr) {
+        directForm_->addToDirectHint(sentence);
+    }
+}
+
 QString cutterWinController::exactSentence() const {
     return "Saves precisely the pictures between both times, at their own times.";
 }
@@ -94,7 +101,9 @@ OutputSettingsForm* cutterWinController::setupWindow(PanelWindow& window) {
     Ui::cutterWinController description;
     description.setupUi(&window);
     bindStart(*description.mButStartCut, [this] { mButStartCut(); });
-    return description.mForm;
+    directForm_ = description.mForm;
+    directForm_->addToDirectHint(directCut_);
+    return directForm_;
 }
 
 void cutterWinController::addSourceFrameRate() {
