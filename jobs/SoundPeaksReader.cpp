@@ -14,7 +14,7 @@
 namespace velmora {
 namespace {
 
-constexpr std::chrono::milliseconds kLookInterval(200);
+constexpr std::chrono::milliseconds kRunsLookInterval(200);
 // A file can claim any length; what lies further back than two days has no picture of its sound.
 constexpr std::int64_t kMostUs = std::int64_t{48} * 3600 * 1'000'000;
 
@@ -34,7 +34,7 @@ void standBack() {
 
 SoundPeaksReader::SoundPeaksReader(QObject* parent) : QObject(parent), watch_(new QTimer(this)) {
     pool_.setMaxThreadCount(kWorkers);
-    watch_->setInterval(kLookInterval);
+    watch_->setInterval(kRunsLookInterval);
     connect(watch_, &QTimer::timeout, this, &SoundPeaksReader::followRuns);
 }
 

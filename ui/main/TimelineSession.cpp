@@ -36,7 +36,7 @@ TimelineSession::TimelineSession(const Ui::MainWindow& ui, CutterSession& cutter
     rest_.setInterval(kRest);
     connect(&begin_, &QTimer::timeout, this, &TimelineSession::findOut);
     connect(&rest_, &QTimer::timeout, this, &TimelineSession::readPictures);
-    connect(&sound_, &SoundPeaksReader::changed, &strip_,
+    connect(&sound_, &SoundPeaksReader::changed, this,
             [this] { strip_.setPeaks(&sound_.peaks()); });
     connect(&strip_, &TimelineStrip::viewChanged, this, &TimelineSession::followView);
     connect(&strip_, &TimelineStrip::positionChosen, this, [this](qint64 us) { cutter_.goTo(us); });
@@ -49,10 +49,10 @@ void TimelineSession::connectCutter() {
     connect(&events, &CutEvents::loaded, this, &TimelineSession::showVideo);
     connect(&events, &CutEvents::unloaded, this, &TimelineSession::showNone);
     connect(&events, &CutEvents::positionMoved, &strip_, &TimelineStrip::setPosition);
-    connect(&events, &CutEvents::marksMoved, &strip_, [this](qint64 startMs, qint64 endMs) {
+    connect(&events, &CutEvents::marksMoved, this, [this](qint64 startMs, qint64 endMs) {
         strip_.setMarks(startMs * 1000, endMs * 1000);
     });
-    connect(&events, &CutEvents::directCutChanged, &strip_,
+    connect(&events, &CutEvents::directCutChanged, this,
             [this] { strip_.setDirect(cutter_.directCut()); });
 }
 
