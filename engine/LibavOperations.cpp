@@ -1,16 +1,20 @@
 #include "CauseOfFailure.h"
 #include "ConversionEngine.h"
 #include "CopyPlan.h"
+#include "DirectStart.h"
 #include "EngineLog.h"
 #include "EngineProgress.h"
 #include "ExactCopy.h"
 #include "ExactRun.h"
 #include "FrameRate.h"
+#include "KeyFrameReading.h"
 #include "MediaOperations.h"
+#include "PeakReader.h"
 #include "PictureFile.h"
 #include "PreviewFile.h"
 #include "Probe.h"
 #include "Run.h"
+#include "ShownTimes.h"
 #include "SourceReading.h"
 #include "WrittenFile.h"
 
@@ -93,6 +97,20 @@ public:
     RunReport run(const Job& job, ConversionEngine& engine) override;
     SourceFacts readFacts(const std::string& path, const StopFlag& stop) override {
         return velmora::readFacts(path, &stop);
+    }
+    std::optional<DirectStretch> directStretch(const std::string& path, double startSeconds,
+                                               double endSeconds, const StopFlag& stop) override {
+        return velmora::directStretch(path, startSeconds, endSeconds, &stop);
+    }
+    std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) override {
+        return std::make_unique<PeakReader>(path, &stop);
+    }
+    KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) override {
+        return velmora::readKeyFrames(path, &stop);
+    }
+    std::vector<std::int64_t> readShownTimes(const std::string& path, std::int64_t beginUs,
+                                             std::int64_t endUs, const StopFlag& stop) override {
+        return velmora::readShownTimes(path, beginUs, endUs, &stop);
     }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {

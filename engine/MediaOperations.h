@@ -1,15 +1,21 @@
 #pragma once
 
 #include "CopyForecast.h"
+#include "DirectStretch.h"
 #include "FailureCause.h"
+#include "KeyFrames.h"
 #include "LogSink.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
+#include "SoundPeaks.h"
 #include "SourceFacts.h"
 #include "StopFlag.h"
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace velmora {
 
@@ -31,6 +37,17 @@ public:
 
     /// See velmora::readFacts. On any thread.
     virtual SourceFacts readFacts(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::directStretch. On any thread.
+    virtual std::optional<DirectStretch> directStretch(const std::string& path, double startSeconds,
+                                                       double endSeconds, const StopFlag& stop) = 0;
+    /// See velmora::PeakReader. Its reads end early once `stop`, which outlives it, is raised. On
+    /// any thread.
+    virtual std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::readKeyFrames. On any thread.
+    virtual KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) = 0;
+    /// See velmora::readShownTimes. On any thread.
+    virtual std::vector<std::int64_t> readShownTimes(const std::string& path, std::int64_t beginUs,
+                                                     std::int64_t endUs, const StopFlag& stop) = 0;
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;

@@ -39,6 +39,15 @@ class Media:
             making.rename(path)
         return path
 
+    def two_hours(self):
+        """Of few bits, in three containers: what costs is how many pictures and how much sound."""
+        small = ["-i", self.minute, "-c:v", "libx264", "-preset", "veryfast", "-b:v", "1M"]
+        minute = self.make("small-minute.mp4", [*small, "-g", 250, "-c:a", "copy"])
+        loop = ["-stream_loop", 119, "-i", minute, "-c", "copy"]
+        mp4 = self.make("two-hours.mp4", loop)
+        remuxed = [self.make(f"two-hours.{form}", ["-i", mp4, "-c", "copy"]) for form in ("mkv", "ts")]
+        return [mp4, *remuxed]
+
     def copies(self, source):
         """As many files as a join takes; they share no pages in memory."""
         made = []

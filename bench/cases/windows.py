@@ -51,6 +51,19 @@ class Windows(Group):
             self._report_printed(f"scrub-after-{loads}-loads/snapshot", ours[1:], theirs[1:])
         remove([picture])
 
+    def timeline(self):
+        """Key frames and sound of two hours, against ffmpeg's decoding of that sound."""
+        for source in self._media.two_hours():
+            form = source.suffix[1:]
+            ours = [self._windows, "timeline", source]
+            reference = ["ffmpeg", "-v", "error", "-i", source, "-vn", "-f", "null", "-"]
+            compare(f"timeline-{form}/ffmpeg", self._count, ours, reference, [])
+            key_frames, sound, size = self._printed("timeline", source)
+            print(
+                f"timeline-{form} key frames {key_frames / 1000:.3f} s"
+                f" sound {sound / 1000:.3f} s, {size / 1024:.2f} MiB"
+            )
+
     def loads_memory(self):
         """A hundred loads against ten."""
         ten, hundred = self._printed("memory", self._media.minute)

@@ -6,9 +6,10 @@
 //   velmora-windows engine FILE           the same work by the engine alone: two probes, a picture
 //   velmora-windows scrub FILE LOADS N    after LOADS loads: N moves of the bar, each until painted
 //   velmora-windows memory FILE           KiB in use after 10 loads and after 100
-//   velmora-windows add FILE...           adding the files to the joiner
-//   velmora-windows join OUT FILE...      joining files that the joiner has listed, by copying
-//   velmora-windows probe FILE...         probing them by the engine alone
+//   velmora-windows timeline FILE         milliseconds for its key frames, then for its sound, KiB
+//   of both velmora-windows add FILE...           adding the files to the joiner velmora-windows
+//   join OUT FILE...      joining files that the joiner has listed, by copying velmora-windows
+//   probe FILE...         probing them by the engine alone
 
 #include "ConversionEngine.h"
 #include "ConverterThread.h"
@@ -19,6 +20,7 @@
 #include "NotificationCenter.h"
 #include "OncePainted.h"
 #include "SharedState.h"
+#include "SoundPeaksReader.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -145,6 +147,27 @@ int memory(const QString& file) {
     return 0;
 }
 
+/// What the timeline finds out about a video, one after the other.
+int findOut(const QString& file) {
+    ConversionEngine& engine = ConversionEngine::instance();
+    engine.probePath = file.toStdString();
+    engine.probe();
+    QElapsedTimer timer;
+    timer.start();
+    const velmora::KeyFrames keyFrames =
+        velmora::mediaOperations().readKeyFrames(file.toStdString(), velmora::StopFlag{0});
+    std::cout << '[' << millisecondsOf(timer) << ", ";
+    timer.start();
+    velmora::SoundPeaksReader sound;
+    QObject::connect(&sound, &velmora::SoundPeaksReader::done, &sound, &QApplication::quit,
+                     Qt::QueuedConnection);
+    sound.read(file, engine.durationUs);
+    QApplication::exec();
+    const std::size_t bytes = sound.peaks().bytes() + keyFrames.size() * sizeof(keyFrames[0]);
+    std::cout << millisecondsOf(timer) << ", " << bytes / 1024 << "]\n";
+    return 0;
+}
+
 int addToJoiner(const QStringList& files) {
     Windows windows;
     QElapsedTimer timer;
@@ -197,6 +220,9 @@ int run(const QString& what, const QStringList& rest) {
     }
     if (what == "memory" && rest.size() == 1) {
         return memory(rest[0]);
+    }
+    if (what == "timeline" && rest.size() == 1) {
+        return findOut(rest[0]);
     }
     if (what == "add") {
         return addToJoiner(rest);

@@ -2,6 +2,7 @@
 
 #include "FrameRate.h"
 #include "SourceStreams.h"
+#include "TimeBases.h"
 
 extern "C" {
 #include <libavutil/avstring.h>
@@ -10,6 +11,20 @@ extern "C" {
 #include <utility>
 
 namespace velmora {
+namespace {
+
+// Decoders need some sound before that which is to come out right, and files hold it in blocks.
+constexpr std::int64_t kLeadInUs = 1'000'000;
+
+} // namespace
+
+std::int64_t ticksPerPicture(const AVStream& stream) {
+    const AVRational rate = correctedFrameRate(stream.r_frame_rate);
+    if (rate.num <= 0 || rate.den <= 0) {
+        return 1;
+    }
+    return std::max(av_rescale_q(1, av_inv_q(rate), stream.time_base), INT64_C(1));
+}
 
 DecodedStream::DecodedStream(std::string path, Kind kind, const StopFlag* stop)
     : path_(std::move(path)), kind_(kind), stop_(stop) {}
@@ -88,6 +103,26 @@ int DecodedStream::seek(std::int64_t timestamp) {
     return input_->seekStream(stream_->index, timestamp);
 }
 
+int DecodedStream::beginBefore(std::int64_t us) {
+    const AVRational timeBase = stream_->time_base;
+    const std::int64_t wanted = us - kLeadInUs;
+    for (std::int64_t back = 0; wanted - back > input_->startUs(); back = 4 * back + kLeadInUs) {
+        if (seek(av_rescale_q(wanted - back, kMicrosecond, timeBase)) < 0) {
+            break;
+        }
+        PacketHandle first = readPacket();
+        const std::int64_t time = first == nullptr               ? AV_NOPTS_VALUE
+                                  : first->pts != AV_NOPTS_VALUE ? first->pts
+                                                                 : first->dts;
+        if (time != AV_NOPTS_VALUE &&
+            av_compare_ts(time, timeBase, wanted + kLeadInUs / 2, kMicrosecond) <= 0) {
+            decodeFrom(std::move(first));
+            return 0;
+        }
+    }
+    return rewind();
+}
+
 int DecodedStream::seekInTransport(std::int64_t timestamp) {
     if (index_ == nullptr) {
         index_ = std::make_unique<TransportIndex>(path_, stop_);
@@ -123,7 +158,7 @@ PacketHandle DecodedStream::readPacket() {
 
 void DecodedStream::noteEnd(const AVPacket& packet) {
     if (packet.pts != AV_NOPTS_VALUE) {
-        const std::int64_t lasts = packet.duration > 0 ? packet.duration : ticksPerPicture();
+        const std::int64_t lasts = packet.duration > 0 ? packet.duration : ticksPerPicture(*stream_);
         packetsEnd_ = std::max(packetsEnd_, packet.pts + lasts);
     }
 }
@@ -174,17 +209,9 @@ void DecodedStream::decodeOne() {
     }
 }
 
-std::int64_t DecodedStream::ticksPerPicture() const {
-    const AVRational rate = correctedFrameRate(stream_->r_frame_rate);
-    if (rate.num <= 0 || rate.den <= 0) {
-        return 1;
-    }
-    return std::max(av_rescale_q(1, av_inv_q(rate), stream_->time_base), INT64_C(1));
-}
-
 void DecodedStream::noteTime(const AVPacket& packet) {
     const bool hasTime = packet.dts != AV_NOPTS_VALUE;
-    times_.push(hasTime ? packet.dts : untimed_ * ticksPerPicture());
+    times_.push(hasTime ? packet.dts : untimed_ * ticksPerPicture(*stream_));
     ++untimed_;
 }
 

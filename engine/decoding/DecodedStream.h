@@ -13,6 +13,9 @@
 
 namespace velmora {
 
+/// What a picture of the stream lasts, in its ticks, where nothing else tells; at least 1.
+std::int64_t ticksPerPicture(const AVStream& stream);
+
 /// One stream of a source, opened for itself: it is read and decoded without regard to where the
 /// others of the file are. Times are ticks of the stream's time base, on the container's time line.
 /// Belongs to one thread; decodes with all cores.
@@ -34,6 +37,9 @@ public:
     /// Goes to a place that is not after `timestamp`, if one can be told. 0 or more, or a negative
     /// code. The first time, a transport stream is read up to there.
     int seek(std::int64_t timestamp);
+    /// What is decoded next begins so far before this moment on the container's time line,
+    /// microseconds, that sound comes out right from it on. 0 or a negative code.
+    int beginBefore(std::int64_t us);
     /// The next packet, without decoding it; null at the end.
     PacketHandle readPacket();
     /// What is decoded next begins with this packet, or with the next one if it is null.
@@ -44,8 +50,6 @@ public:
     /// Whether only the order of its pictures tells their times: it can then be decoded from its
     /// beginning alone.
     bool isTimedByOrder() const { return timedByOrder_; }
-    /// What a picture lasts, in ticks, where nothing else is known; at least 1.
-    std::int64_t ticksPerPicture() const;
     /// Packets that could not be decoded so far, and frames that came out damaged.
     std::int64_t damagedPackets() const { return damaged_; }
     /// Where the last of the packets that have been read ends, decoded or not.

@@ -141,7 +141,7 @@ void PictureReader::readEarly(FrameHandle first) {
     for (auto picture = early_.rbegin(); time != AV_NOPTS_VALUE && picture != early_.rend();
          ++picture) {
         (*picture)->pts = time;
-        time -= pictures_.ticksPerPicture();
+        time -= ticksPerPicture(stream());
     }
 }
 
@@ -158,7 +158,7 @@ bool PictureReader::isBefore(const AVFrame& picture, std::int64_t us) const {
 }
 
 std::int64_t PictureReader::durationOf(const AVFrame& picture) const {
-    return picture.pkt_duration > 0 ? picture.pkt_duration : pictures_.ticksPerPicture();
+    return picture.pkt_duration > 0 ? picture.pkt_duration : ticksPerPicture(stream());
 }
 
 } // namespace velmora

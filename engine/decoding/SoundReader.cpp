@@ -12,8 +12,6 @@
 namespace velmora {
 namespace {
 
-// Decoders need some sound before that which is to come out right, and files hold it in blocks.
-constexpr std::int64_t kLeadInUs = 1'000'000;
 // What is further from its place than this is a gap, or there twice; less is drift.
 constexpr double kGapSeconds = 0.03;
 constexpr double kDriftSeconds = 0.002;
@@ -73,28 +71,7 @@ int SoundReader::goTo(std::int64_t origin, AVRational timeBase) {
     waiting_.reset();
     resampler_.reset();
     inputRate_ = 0;
-    return findStart();
-}
-
-int SoundReader::findStart() {
-    const AVRational timeBase = stream().time_base;
-    const std::int64_t wanted = av_rescale_q(origin_, originTimeBase_, kMicrosecond) - kLeadInUs;
-    for (std::int64_t back = 0; wanted - back > sound_.input().startUs();
-         back = 4 * back + kLeadInUs) {
-        if (sound_.seek(av_rescale_q(wanted - back, kMicrosecond, timeBase)) < 0) {
-            break;
-        }
-        PacketHandle first = sound_.readPacket();
-        const std::int64_t time = first == nullptr               ? AV_NOPTS_VALUE
-                                  : first->pts != AV_NOPTS_VALUE ? first->pts
-                                                                 : first->dts;
-        if (time != AV_NOPTS_VALUE &&
-            av_compare_ts(time, timeBase, wanted + kLeadInUs / 2, kMicrosecond) <= 0) {
-            sound_.decodeFrom(std::move(first));
-            return 0;
-        }
-    }
-    return sound_.rewind();
+    return sound_.beginBefore(av_rescale_q(origin_, originTimeBase_, kMicrosecond));
 }
 
 FrameHandle SoundReader::next() {

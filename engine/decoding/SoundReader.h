@@ -37,7 +37,6 @@ public:
     std::int64_t damagedPackets() const { return sound_.damagedPackets(); }
 
 private:
-    int findStart();
     int prepareResampler(const AVFrame& sound);
     FrameHandle placed(FrameHandle sound);
     FrameHandle silence(std::int64_t samples, const AVFrame& like);

@@ -2,14 +2,12 @@
 
 #include "FileIdentity.h"
 #include "InputMedia.h"
+#include "KeyPackets.h"
 
 #include <algorithm>
 
 namespace velmora {
 namespace {
-
-// Several groups of pictures of any usual length; beyond, the stream has no key pictures.
-constexpr int kMaxPacketsBeforeKey = 600;
 
 /// The picture that the decoder gives after one more packet; null: none yet.
 FrameHandle decode(Decoder& decoder, const AVPacket& packet) {
@@ -30,16 +28,6 @@ FrameHandle firstPictureOfAll(InputMedia& input, Decoder& decoder) {
         }
     }
     return decodeRest(decoder);
-}
-
-PacketHandle readKeyPacket(InputMedia& input) {
-    for (int i = 0; i < kMaxPacketsBeforeKey; ++i) {
-        PacketHandle packet = input.readVideoPacket();
-        if (packet == nullptr || (packet->flags & AV_PKT_FLAG_KEY) != 0) {
-            return packet;
-        }
-    }
-    return nullptr;
 }
 
 /// Whether none of the pictures that may be shown before this one is.

@@ -4,12 +4,15 @@
 #include "JoinerTable.h"
 #include "MainWindow.h"
 #include "Screen.h"
+#include "TimelineStrip.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QTest>
+#include <QWheelEvent>
 #include <QWindow>
 
 #include <array>
@@ -59,6 +62,35 @@ void scrubByKeys(Round& round) {
     if (bar.isVisible()) {
         QTest::keyClick(&bar, round.random.oneOf(keys));
     }
+}
+
+void useTimeline(Round& round) {
+    constexpr std::array keys{Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_Home};
+    auto& strip = outlet<TimelineStrip>(round, "mTimeline");
+    const auto place = [&] { return QPoint(round.random.below(strip.width() + 20) - 10, 20); };
+    if (!strip.isVisible()) {
+        return;
+    }
+    QTest::mousePress(&strip, Qt::LeftButton, {}, place());
+    for (int i = round.random.below(4); i > 0; --i) {
+        QTest::mouseMove(&strip, place());
+    }
+    QTest::mouseRelease(&strip, Qt::LeftButton, {}, place());
+    QTest::keyClick(&strip, round.random.oneOf(keys));
+}
+
+void zoomTimeline(Round& round) {
+    auto& strip = outlet<TimelineStrip>(round, "mTimeline");
+    const int notches = round.random.below(9) - 3;
+    QWheelEvent turn(QPointF(9, 9), strip.mapToGlobal(QPointF(9, 9)), {}, {0, 120 * notches},
+                     Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+    if (strip.isVisible()) {
+        QCoreApplication::sendEvent(&strip, &turn);
+    }
+}
+
+void showTimeline(Round& round) {
+    outlet<QAction>(round, "actionTimeline").trigger();
 }
 
 void markStart(Round& /*round*/) {
@@ -181,6 +213,9 @@ constexpr std::array kMain{
     Action{"adds by the file panel", 3, add},
     Action{"scrubs by mouse", 6, scrubByMouse},
     Action{"scrubs by keys", 6, scrubByKeys},
+    Action{"uses the timeline", 4, useTimeline},
+    Action{"zooms the timeline", 2, zoomTimeline},
+    Action{"shows or hides the timeline", 1, showTimeline},
     Action{"sets the start", 2, markStart},
     Action{"sets the end", 2, markEnd},
     Action{"types a time", 1, typeTime},

@@ -121,9 +121,9 @@ TEST_F(KeyboardTest, emptyCutter_tab_comesToEveryControl) {
 
 TEST_F(KeyboardTest, loadedCutter_tab_comesToEveryControl) {
     dropOnPreview(media("video-only.mp4"));
-    expectWalk(mainWin(), {"segmentVideoCutter", "mTextFieldHowTo", "mCustomSlider", "mButtonLeft",
-                           "mLabelStart", "mLabelEnd", "mButtonRight", "mButtonCutterAdd",
-                           "mButtonPlay", "mButtonCutterSetting"});
+    expectWalk(mainWin(), {"segmentVideoCutter", "mTextFieldHowTo", "mCustomSlider", "mTimeline",
+                           "mButtonLeft", "mLabelStart", "mLabelEnd", "mButtonRight",
+                           "mButtonCutterAdd", "mButtonPlay", "mButtonCutterSetting"});
 }
 
 TEST_F(KeyboardTest, helpLine_reachedByEitherWayAndReturn_opensThePage) {

@@ -150,12 +150,13 @@ TEST_F(MainMenuTest, ctrlQ_endsTheProgram) {
 TEST_F(MainMenuTest, tabKey_goesThroughTheWorkspaceInReadingOrder) {
     QStringList order;
     bar().setFocus();
-    while (order.size() < 7) {
+    while (order.size() < 8) {
         key(Qt::Key_Tab);
         order.append(QApplication::focusWidget()->objectName());
     }
-    EXPECT_EQ(order, QStringList({"mButtonLeft", "mLabelStart", "mLabelEnd", "mButtonRight",
-                                  "mButtonCutterAdd", "mButtonPlay", "mButtonCutterSetting"}));
+    EXPECT_EQ(order,
+              QStringList({"mTimeline", "mButtonLeft", "mLabelStart", "mLabelEnd", "mButtonRight",
+                           "mButtonCutterAdd", "mButtonPlay", "mButtonCutterSetting"}));
 }
 
 } // namespace

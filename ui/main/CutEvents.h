@@ -18,6 +18,8 @@ Q_SIGNALS:
     void positionMoved(qint64 us);
     /// The stretch that is to be cut is another one.
     void marksMoved(qint64 startMs, qint64 endMs);
+    /// What a direct cut of that stretch takes has become known, or is not known any more.
+    void directCutChanged();
 };
 
 } // namespace velmora

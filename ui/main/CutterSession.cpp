@@ -4,6 +4,7 @@
 #include "ConversionEngine.h"
 #include "ConverterThread.h"
 #include "CustomSlider.h"
+#include "DirectText.h"
 #include "DisplaySize.h"
 #include "LeadingNumber.h"
 #include "MainWindow.h"
@@ -48,6 +49,10 @@ CutterSession::CutterSession(MainWindow& window, Requests requests)
         if (mCutterWincontroller) {
             showTrouble();
         }
+    });
+    QObject::connect(&direct_, &DirectCutReader::changed, &direct_, [this] {
+        showDirectCut();
+        Q_EMIT events_.directCutChanged();
     });
 }
 
@@ -127,7 +132,7 @@ void CutterSession::takeProbedVideo(const QString& path) {
     currentSetting->cutStartTime = static_cast<float>(marks_.mStartValMs);
     currentSetting->cutEndTime = static_cast<float>(marks_.mEndValMs);
     cutterFileList->push_back(item);
-    tellMarks();
+    tellMarks(marks_.mStartValMs, marks_.mEndValMs);
 }
 
 void CutterSession::firstLoadVideo(const QString& path) {
@@ -151,6 +156,7 @@ void CutterSession::firstLoadVideo(const QString& path) {
 void CutterSession::unload() {
     mAddFileInitialized = false;
     bar_.setCustomSliderEnable(false);
+    direct_.forget();
     Q_EMIT events_.unloaded();
 }
 
@@ -199,8 +205,10 @@ void CutterSession::goTo(std::int64_t us) {
     }
 }
 
-void CutterSession::tellMarks() {
-    Q_EMIT events_.marksMoved(marks_.mStartValMs, marks_.mEndValMs);
+void CutterSession::tellMarks(std::int64_t startMs, std::int64_t endMs) {
+    told_ = {startMs, endMs};
+    Q_EMIT events_.marksMoved(startMs, endMs);
+    direct_.ask(filename_, startMs, endMs);
 }
 
 void CutterSession::markStart() {
@@ -218,7 +226,7 @@ void CutterSession::markStart() {
         showTime(end_, mDuration);
     }
     setTextFieldDuration();
-    tellMarks();
+    tellMarks(marks_.mStartValMs, marks_.mEndValMs);
 }
 
 void CutterSession::markEnd() {
@@ -236,7 +244,7 @@ void CutterSession::markEnd() {
         showTime(start_, 0);
     }
     setTextFieldDuration();
-    tellMarks();
+    tellMarks(marks_.mStartValMs, marks_.mEndValMs);
 }
 
 void CutterSession::setTextFieldDuration() {
@@ -263,7 +271,7 @@ void CutterSession::timesTyped() {
     }
     if (start >= 0 && end >= 0) {
         showTime(length_, toSeconds(end - start));
-        Q_EMIT events_.marksMoved(start, end);
+        tellMarks(start, end);
     }
 }
 
@@ -309,6 +317,7 @@ void CutterSession::startCut() {
     }
     showTime(length_, toSeconds(lengthMs));
     showTrouble();
+    showDirectCut();
     mCutterWincontroller->setCutterOutputFilename(fileNameWithoutExtension(filename_),
                                                   pathExtension(filename_));
     mCutterWincontroller->setExactSource(filename_);
@@ -323,6 +332,16 @@ void CutterSession::startCut() {
 void CutterSession::showTrouble() {
     const auto facts = facts_.factsOf(filename_);
     mCutterWincontroller->setTrouble(facts ? troubleOf(*facts) : QString());
+}
+
+/// Likewise.
+void CutterSession::showDirectCut() {
+    if (mCutterWincontroller) {
+        const auto& direct = direct_.stretch();
+        mCutterWincontroller->setDirectCut(
+            direct ? directSentence(*direct, told_.mStartValMs * 1000, told_.mEndValMs * 1000)
+                   : QString());
+    }
 }
 
 void CutterSession::closePanel() {

@@ -2,6 +2,7 @@
 
 #include "CutEvents.h"
 #include "CutMarks.h"
+#include "DirectCutReader.h"
 #include "PreviewPicture.h"
 #include "SourceFactsReader.h"
 
@@ -66,6 +67,9 @@ public:
     /// What happens here, for others to connect to; lives as long as this.
     const CutEvents& events() const { return events_; }
 
+    /// What a direct cut takes; nothing until that is known.
+    const std::optional<DirectStretch>& directCut() const { return direct_.stretch(); }
+
     // The bar and the marks.
     void sliderClear();
     void viewValueReset();
@@ -104,7 +108,8 @@ private:
     void setDuration(float seconds);
     void setPosition(double value);
     void showTrouble();
-    void tellMarks();
+    void showDirectCut();
+    void tellMarks(std::int64_t startMs, std::int64_t endMs);
 
     MainWindow& window_;
     CustomSlider& bar_;
@@ -115,12 +120,14 @@ private:
     PreviewPicture preview_;
     Requests requests_;
     SourceFactsReader facts_;
+    DirectCutReader direct_;
     std::unique_ptr<cutterWinController> mCutterWincontroller;
     CutEvents events_;
 
     QString filename_;
     float mDuration = 0;
     CutMarks marks_;
+    CutMarks told_;        ///< likewise, or as typed
     float mLabelValue = 0; ///< where the bar is
     [[maybe_unused]] float mStartTimeMs = 0;
     bool mAddFileInitialized = false;

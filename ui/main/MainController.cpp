@@ -30,7 +30,8 @@ constexpr int kPanelOk = 1;
 
 MainController::MainController()
     : mainWin_(std::make_unique<MainWindow>()), ui_(mainWin_->outlets()), menu_(*mainWin_),
-      cutter_(*mainWin_, requestsOfCutter()), joiner_(*ui_.tableView, *mainWin_) {
+      cutter_(*mainWin_, requestsOfCutter()), timeline_(ui_, cutter_),
+      joiner_(*ui_.tableView, *mainWin_) {
     initWithWindow();
     awakeControls();
     connectActions();

@@ -4,6 +4,7 @@
 #include "HelpPage.h"
 #include "JoinerList.h"
 #include "MainMenu.h"
+#include "TimelineSession.h"
 
 #include <QObject>
 #include <QString>
@@ -131,6 +132,7 @@ private:
     const Ui::MainWindow& ui_; ///< the outlets, under their names
     MainMenu menu_;
     CutterSession cutter_;
+    TimelineSession timeline_;
     JoinerList joiner_;
     QString version_; ///< shown nowhere
     bool terminating_ = false;

@@ -76,7 +76,8 @@ void MainMenu::offerActions() {
     const bool cutter = ui_.curView->currentWidget() == ui_.viewCutter;
     for (QAction* const action :
          {ui_.actionPlay, ui_.actionStartCut, ui_.actionSetStart, ui_.actionSetEnd,
-          ui_.actionStepBack, ui_.actionStepForward, ui_.actionLeapBack, ui_.actionLeapForward}) {
+          ui_.actionStepBack, ui_.actionStepForward, ui_.actionLeapBack, ui_.actionLeapForward,
+          ui_.actionTimeline, ui_.actionZoomIn, ui_.actionZoomOut}) {
         action->setEnabled(cutter);
     }
     for (QAction* const action : {ui_.actionMerge, ui_.actionRemove}) {

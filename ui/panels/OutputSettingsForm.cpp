@@ -101,7 +101,13 @@ void OutputSettingsForm::setDirectTitle(const QString& title) {
 }
 
 void OutputSettingsForm::setDirectHint(const QString& hint) {
+    directHint_ = hint;
     setHint(*outlets_->mDirectHint, *outlets_->mRadioDirect, hint);
+}
+
+void OutputSettingsForm::addToDirectHint(const QString& sentence) {
+    setHint(*outlets_->mDirectHint, *outlets_->mRadioDirect,
+            sentence.isEmpty() ? directHint_ : directHint_ + '\n' + sentence);
 }
 
 void OutputSettingsForm::setReencodeTitle(const QString& title) {

@@ -37,6 +37,8 @@ public:
     // descriptions of the panels give.
     void setDirectTitle(const QString& title);
     void setDirectHint(const QString& hint);
+    /// Says this, too; empty: nothing more.
+    void addToDirectHint(const QString& sentence);
     void setReencodeTitle(const QString& title);
     void setReencodeHint(const QString& hint);
 
@@ -48,6 +50,7 @@ public:
 
 private:
     std::unique_ptr<Ui::OutputSettingsForm> outlets_;
+    QString directHint_;
 };
 
 } // namespace velmora

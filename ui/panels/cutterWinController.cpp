@@ -76,6 +76,13 @@ QString cutterWinController::exactCopySentence() {
     return forecast_.forecast() ? sentenceOf(*forecast_.forecast()) : "Looking at the video…";
 }
 
+void cutterWinController::setDirectCut(const QString& sentence) {
+    directCut_ = sentence;
+    if (directForm_ != nullptr) {
+        directForm_->addToDirectHint(sentence);
+    }
+}
+
 QString cutterWinController::exactSentence() const {
     return "Saves precisely the pictures between both times, at their own times.";
 }
@@ -119,7 +126,9 @@ OutputSettingsForm* cutterWinController::setupWindow(PanelWindow& window) {
     Ui::cutterWinController description;
     description.setupUi(&window);
     bindStart(*description.mButStartCut, [this] { mButStartCut(); });
-    return description.mForm;
+    directForm_ = description.mForm;
+    directForm_->addToDirectHint(directCut_);
+    return directForm_;
 }
 
 void cutterWinController::addSourceFrameRate() {

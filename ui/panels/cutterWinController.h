@@ -27,6 +27,9 @@ public:
     /// What an exact cut takes, milliseconds: as it was typed, while the setting rounds long times.
     void setExactWindow(std::int64_t startMs, std::int64_t endMs);
 
+    /// How a direct cut differs from what is marked, as a sentence; empty: not, or not known.
+    void setDirectCut(const QString& sentence);
+
     /// The default name, which reaches the name field only before the window is loaded, and the
     /// extension of the source.
     void setCutterOutputFilename(const QString& name, const QString& extension);
@@ -49,6 +52,8 @@ protected:
 private:
     bool keepsSourceFrameRate() const;
 
+    QString directCut_;
+    OutputSettingsForm* directForm_ = nullptr; ///< the window's
     std::int64_t startMs_ = 0;
     std::int64_t endMs_ = 0;
     QString source_;
