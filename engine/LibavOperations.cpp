@@ -6,6 +6,7 @@
 #include "KeyFrameReading.h"
 #include "MediaOperations.h"
 #include "PictureFile.h"
+#include "PictureServer.h"
 #include "PreviewFile.h"
 #include "Probe.h"
 #include "Run.h"
@@ -83,6 +84,10 @@ public:
     }
     KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) override {
         return velmora::readKeyFrames(path, &stop);
+    }
+    std::unique_ptr<PictureService> openPictures(const std::string& path,
+                                                 PictureService::Sink sink) override {
+        return std::make_unique<PictureServer>(path, std::move(sink));
     }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {

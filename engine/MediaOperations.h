@@ -2,12 +2,14 @@
 
 #include "KeyFrames.h"
 #include "LogSink.h"
+#include "PictureService.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
 #include "SourceFacts.h"
 #include "StopFlag.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace velmora {
@@ -31,6 +33,10 @@ public:
     virtual SourceFacts readFacts(const std::string& path, const StopFlag& stop) = 0;
     /// See velmora::readKeyFrames. On any thread.
     virtual KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) = 0;
+    /// Gives the pictures of the file at `path` to `sink`. Does not block; what the file is turns
+    /// out with the first answer.
+    virtual std::unique_ptr<PictureService> openPictures(const std::string& path,
+                                                         PictureService::Sink sink) = 0;
     /// See velmora::writePicture. On any thread.
     virtual std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                                       const std::string& picturePath) = 0;

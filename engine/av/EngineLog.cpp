@@ -65,12 +65,14 @@ void logFailure(const std::string& path, const char* operation, int code) {
     av_log(nullptr, AV_LOG_ERROR, "%s: %s: %s\n", path.c_str(), operation, text.data());
 }
 
-ExpectedLogLines::ExpectedLogLines(Kind kind) {
-    expectedLines() = kind;
+ExpectedLogLines::ExpectedLogLines(Kind kind) : before_(expectedLines()) {
+    if (before_ != Kind::Everything) {
+        expectedLines() = kind;
+    }
 }
 
 ExpectedLogLines::~ExpectedLogLines() {
-    expectedLines().reset();
+    expectedLines() = before_;
 }
 
 } // namespace velmora

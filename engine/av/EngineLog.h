@@ -2,6 +2,7 @@
 
 #include "LogSink.h"
 
+#include <optional>
 #include <string>
 
 namespace velmora {
@@ -18,6 +19,7 @@ void routeLibraryLog();
 void logFailure(const std::string& path, const char* operation, int code);
 
 /// While one lives, lines written by this thread that the engine provokes on purpose are dropped.
+/// Within one that drops all, others change nothing.
 class ExpectedLogLines {
 public:
     enum class Kind {
@@ -29,6 +31,9 @@ public:
     ~ExpectedLogLines();
     ExpectedLogLines(const ExpectedLogLines&) = delete;
     ExpectedLogLines& operator=(const ExpectedLogLines&) = delete;
+
+private:
+    std::optional<Kind> before_;
 };
 
 } // namespace velmora

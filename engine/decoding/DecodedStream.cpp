@@ -144,7 +144,7 @@ FrameHandle DecodedStream::next() {
             stamp(*frame);
             return frame;
         }
-        if (decoder_.hasEnded() || isRaised(stop_)) {
+        if (decoder_.hasEnded() || isRaised(stop_) || isRaised(giveUp_)) {
             return nullptr;
         }
         decodeOne();

@@ -26,16 +26,14 @@ int PictureReader::open() {
     return pictures_.open();
 }
 
+void PictureReader::giveUpOn(const StopFlag* giveUp) {
+    giveUp_ = giveUp;
+    pictures_.giveUpOn(giveUp);
+}
+
 int PictureReader::goTo(std::int64_t us) {
-    pending_.reset();
-    skipped_.reset();
-    lastTime_ = AV_NOPTS_VALUE;
-    if (!goToKeyFrameBefore(us)) {
-        pending_.reset(); // of a place that was no good
-        lastTime_ = AV_NOPTS_VALUE;
-        if (const int result = pictures_.rewind(); result < 0) {
-            return result;
-        }
+    if (const int result = goToKeyFrame(us); result < 0) {
+        return result;
     }
     FrameHandle picture = nextInTime();
     while (picture != nullptr && isBefore(*picture, us)) {
@@ -46,9 +44,39 @@ int PictureReader::goTo(std::int64_t us) {
     return 0;
 }
 
-/// Finds the last key frame that is not shown after `us`, and from which the pictures can really be
-/// decoded. False: only the beginning of the file will do.
-bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
+int PictureReader::goToKeyFrame(std::int64_t us) {
+    pending_.reset();
+    skipped_.reset();
+    lastTime_ = AV_NOPTS_VALUE;
+    const auto start = [this](PacketHandle key) {
+        return startAt(std::move(key)) || isRaised(giveUp_);
+    };
+    const bool isFound = atKeyFrameBefore(us, start);
+    if (isRaised(giveUp_)) {
+        return AVERROR_EXIT;
+    }
+    if (isFound) {
+        return 0;
+    }
+    pending_.reset(); // of a place that was no good
+    lastTime_ = AV_NOPTS_VALUE;
+    const int result = pictures_.rewind();
+    return result < 0 ? result : 1;
+}
+
+PacketHandle PictureReader::keyFrameBefore(std::int64_t us) {
+    PacketHandle found;
+    atKeyFrameBefore(us, [&found](PacketHandle key) {
+        found = std::move(key);
+        return true;
+    });
+    pending_.reset();
+    return found;
+}
+
+/// Finds the last key frame that is not shown after `us`, and with which the action is content.
+/// False: only the beginning of the file will do.
+template <class Action> bool PictureReader::atKeyFrameBefore(std::int64_t us, Action&& action) {
     const AVRational timeBase = this->timeBase();
     const std::int64_t wanted = av_rescale_q_rnd(us, kMicrosecond, timeBase, AV_ROUND_DOWN);
     const std::int64_t begin =
@@ -66,7 +94,7 @@ bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
         }
         PacketHandle key = nextKeyPacket(pictures_);
         const std::int64_t time = key != nullptr ? timeOf(*key) : AV_NOPTS_VALUE;
-        if (time != AV_NOPTS_VALUE && time <= wanted && startAt(std::move(key))) {
+        if (time != AV_NOPTS_VALUE && time <= wanted && action(std::move(key))) {
             return true;
         }
         target = std::min(target, time != AV_NOPTS_VALUE ? time : target) - back;
