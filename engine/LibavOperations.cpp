@@ -95,6 +95,7 @@ public:
     }
     std::int32_t snapshot(ConversionEngine& engine) override;
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
+    bool liesOnItsSide() const override { return liesOnItsSide_; }
     const char* codecName(std::int32_t codecId) override {
         return avcodec_get_name(static_cast<AVCodecID>(codecId));
     }
@@ -105,6 +106,7 @@ private:
 
     PreviewFile preview_;
     SampleAspectRatio sampleAspectRatio_;
+    bool liesOnItsSide_ = false;
 };
 
 std::int32_t LibavOperations::probe(ConversionEngine& engine) {
@@ -114,7 +116,9 @@ std::int32_t LibavOperations::probe(ConversionEngine& engine) {
         storeVideo(engine, results.video);
         storeAudio(engine, results.audio);
         storeDuration(engine, results.durationUs);
-        sampleAspectRatio_ = results.video.value_or(ProbeResults::Video()).aspect;
+        const auto video = results.video.value_or(ProbeResults::Video());
+        sampleAspectRatio_ = video.aspect;
+        liesOnItsSide_ = video.liesOnItsSide;
     }
     return results.code;
 }

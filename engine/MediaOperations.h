@@ -43,6 +43,8 @@ public:
 
     /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
     virtual SampleAspectRatio sampleAspectRatio() const = 0;
+    /// Likewise, whether its pictures are turned by a quarter before they are shown.
+    virtual bool liesOnItsSide() const = 0;
     /// libavcodec's name of an AVCodecID; lives as long as the process.
     virtual const char* codecName(std::int32_t codecId) = 0;
     /// See velmora::setLogSink.

@@ -83,6 +83,8 @@ bool PictureServer::isReady() const {
 void PictureServer::takeKeyFrames(PictureSearch& search) {
     if (keyFrames_ && std::exchange(takesKeyFrames_, false)) {
         search.setKeyFrames(*keyFrames_);
+        const auto groups = static_cast<std::int64_t>(keyFrames_->size()) - 1;
+        groupUs_ = groups > 0 ? (keyFrames_->back() - keyFrames_->front()) / groups : 0;
     }
 }
 
@@ -160,7 +162,7 @@ std::int64_t PictureServer::keyFrameFrom(const PictureRequest& request, std::int
 
 void PictureServer::answer(PictureSearch& search, const PictureRequest& request, const Found& found,
                            bool exact) {
-    PictureAnswer answer{.request = request, .us = request.us, .exact = exact};
+    PictureAnswer answer{.request = request, .us = request.us, .groupUs = groupUs_, .exact = exact};
     if (found) {
         answer.us = search.positionOf(found->time);
         search.scaler().paint(*found->picture, answer);

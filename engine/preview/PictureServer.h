@@ -53,6 +53,7 @@ private:
 
     bool takesKeyFrames_ = true; ///< the worker's own, as what follows
     bool mayFill_ = false;
+    std::int64_t groupUs_ = 0; ///< between key frames, in the mean
 
     std::thread keyReader_; ///< the threads last, so that all they use is there before them
     std::thread worker_;

@@ -31,8 +31,9 @@ struct PictureAnswer {
     std::vector<std::uint32_t> pixels = {}; ///< empty: no picture can be shown
     int width = 0;
     int height = 0;
-    std::int64_t us = 0; ///< the picture's own position
-    bool exact = false;  ///< it is the one that was asked for; another one precedes it at times
+    std::int64_t us = 0;      ///< the picture's own position
+    std::int64_t groupUs = 0; ///< between key frames, in the mean; 0: not known yet
+    bool exact = false; ///< it is the one that was asked for; another one precedes it at times
 };
 
 /// Gives the pictures of one source that are asked for, on a thread of its own. The newest request

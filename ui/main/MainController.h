@@ -1,9 +1,11 @@
 #pragma once
 
 #include "CutterSession.h"
+#include "ExactPreview.h"
 #include "HelpPage.h"
 #include "JoinerList.h"
 #include "MainMenu.h"
+#include "PictureMoves.h"
 
 #include <QObject>
 #include <QString>
@@ -132,6 +134,8 @@ private:
     MainMenu menu_;
     CutterSession cutter_;
     JoinerList joiner_;
+    ExactPreview exactPreview_;
+    PictureMoves pictureMoves_;
     QString version_; ///< shown nowhere
     bool terminating_ = false;
 };

@@ -76,7 +76,10 @@ void MainMenu::offerActions() {
     const bool cutter = ui_.curView->currentWidget() == ui_.viewCutter;
     for (QAction* const action :
          {ui_.actionPlay, ui_.actionStartCut, ui_.actionSetStart, ui_.actionSetEnd,
-          ui_.actionStepBack, ui_.actionStepForward, ui_.actionLeapBack, ui_.actionLeapForward}) {
+          ui_.actionStepBack, ui_.actionStepForward, ui_.actionLeapBack, ui_.actionLeapForward,
+          ui_.actionPreviousPicture, ui_.actionNextPicture, ui_.actionPreviousKeyFrame,
+          ui_.actionNextKeyFrame, ui_.actionSecondBack, ui_.actionSecondForward,
+          ui_.actionGoToStart, ui_.actionGoToEnd, ui_.actionGoToPosition, ui_.actionExactPreview}) {
         action->setEnabled(cutter);
     }
     for (QAction* const action : {ui_.actionMerge, ui_.actionRemove}) {
