@@ -11,30 +11,8 @@ namespace {
 
 constexpr int kWidth = 256;
 constexpr int kHeight = 128;
-constexpr int kBits = 6;
-constexpr int kBlock = 32;
-
-/// Of a picture of bytes, `step` of them for each pixel.
-int numberIn(const std::uint8_t* pixels, int width, int height, int step) {
-    int number = 0;
-    for (int bit = 0; bit < kBits; ++bit) {
-        const int x = (bit * kBlock + kBlock / 2) * width / kWidth;
-        const bool isSet = pixels[(height / 2 * width + x) * step] > 128;
-        number |= isSet ? 1 << bit : 0;
-    }
-    return number;
-}
 
 } // namespace
-
-std::string numbered(const std::string& name, const std::string& options) {
-    const bool isX264 = options.find("-c:v") == std::string::npos;
-    return mediaMadeBy("-f lavfi -i color=black:size=256x128:rate=25:duration=2,format=gray,"
-                       "geq=lum='if(lt(X\\,192)\\,255*mod(floor(N/pow(2\\,floor(X/32)))\\,2)\\,0)',"
-                       "format=yuv420p " +
-                           std::string(isX264 ? "-c:v libx264 -preset ultrafast " : "") + options,
-                       "numbered-" + name);
-}
 
 std::vector<Shown> allPictures(const std::string& path) {
     const auto read = ffprobeJson(path, {"-select_streams", "V:0", "-show_entries",
@@ -88,11 +66,11 @@ int PictureServer::await(bool exact) {
         answered_.wait_for(lock, kTooLong, [&] { return std::ranges::any_of(answers_, isIt); });
     if (!came) {
         ADD_FAILURE() << "no answer";
-        return kNone;
+        return kNoNumber;
     }
     last_ = *std::ranges::find_if(answers_, isIt);
     return last_.pixels.empty()
-               ? kNone
+               ? kNoNumber
                : numberIn(reinterpret_cast<const std::uint8_t*>(last_.pixels.data()), last_.width,
                           last_.height, 4);
 }

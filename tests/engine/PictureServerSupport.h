@@ -2,6 +2,7 @@
 
 #include "JobSupport.h"
 #include "MediaOperations.h"
+#include "NumberedMedia.h"
 #include "TestMedia.h"
 
 #include <condition_variable>
@@ -12,19 +13,12 @@
 
 namespace velmora::test {
 
-/// The number that a picture carries: as blocks of black and white, its bits.
-inline constexpr int kNone = -1; ///< there is no picture
-
 struct Shown {
     std::int64_t us = 0; ///< position
-    int number = kNone;
+    int number = kNoNumber;
 };
 
-/// A file of fifty pictures, two seconds, 256 x 128, encoded by libx264 unless `options` say
-/// otherwise; each carries its number. Shared by all tests: never write to it.
-std::string numbered(const std::string& name, const std::string& options);
-
-/// As ffmpeg shows them, from the beginning to the end.
+/// The pictures of such a file, as ffmpeg shows them, from the beginning to the end.
 std::vector<Shown> allPictures(const std::string& path);
 
 /// A test with a service of pictures, the answers of which are waited for.
