@@ -11,6 +11,7 @@
 #include "MediaOperations.h"
 #include "PeakReader.h"
 #include "PictureFile.h"
+#include "PictureServer.h"
 #include "PreviewFile.h"
 #include "Probe.h"
 #include "Run.h"
@@ -112,6 +113,10 @@ public:
                                              std::int64_t endUs, const StopFlag& stop) override {
         return velmora::readShownTimes(path, beginUs, endUs, &stop);
     }
+    std::unique_ptr<PictureService> openPictures(const std::string& path,
+                                                 PictureService::Sink sink) override {
+        return std::make_unique<PictureServer>(path, std::move(sink));
+    }
     std::int32_t writePicture(const std::string& path, std::int64_t timeMs,
                               const std::string& picturePath) override {
         return velmora::writePicture(path, timeMs, picturePath);
@@ -123,6 +128,7 @@ public:
     std::int32_t snapshot(ConversionEngine& engine) override;
     FailureCause causeOfRefusal() const override { return causeOfRefusal_; }
     SampleAspectRatio sampleAspectRatio() const override { return sampleAspectRatio_; }
+    bool liesOnItsSide() const override { return liesOnItsSide_; }
     const char* codecName(std::int32_t codecId) override {
         return avcodec_get_name(static_cast<AVCodecID>(codecId));
     }
@@ -134,6 +140,7 @@ private:
     PreviewFile preview_;
     FailureCause causeOfRefusal_;
     SampleAspectRatio sampleAspectRatio_;
+    bool liesOnItsSide_ = false;
 };
 
 std::int32_t LibavOperations::probe(ConversionEngine& engine) {
@@ -146,7 +153,9 @@ std::int32_t LibavOperations::probe(ConversionEngine& engine) {
         storeVideo(engine, results.video);
         storeAudio(engine, results.audio);
         storeDuration(engine, results.durationUs);
-        sampleAspectRatio_ = results.video.value_or(ProbeResults::Video()).aspect;
+        const auto video = results.video.value_or(ProbeResults::Video());
+        sampleAspectRatio_ = video.aspect;
+        liesOnItsSide_ = video.liesOnItsSide;
     }
     return results.code;
 }

@@ -5,6 +5,7 @@
 #include "FailureCause.h"
 #include "KeyFrames.h"
 #include "LogSink.h"
+#include "PictureService.h"
 #include "RunReport.h"
 #include "SampleAspectRatio.h"
 #include "SoundPeaks.h"
@@ -45,6 +46,10 @@ public:
     virtual std::unique_ptr<PeakSource> peaksOf(const std::string& path, const StopFlag& stop) = 0;
     /// See velmora::readKeyFrames. On any thread.
     virtual KeyFrames readKeyFrames(const std::string& path, const StopFlag& stop) = 0;
+    /// Gives the pictures of the file at `path` to `sink`. Does not block; what the file is turns
+    /// out with the first answer.
+    virtual std::unique_ptr<PictureService> openPictures(const std::string& path,
+                                                         PictureService::Sink sink) = 0;
     /// See velmora::readShownTimes. On any thread.
     virtual std::vector<std::int64_t> readShownTimes(const std::string& path, std::int64_t beginUs,
                                                      std::int64_t endUs, const StopFlag& stop) = 0;
@@ -60,6 +65,8 @@ public:
 
     /// Of the video that the last successful probe has found; 1:1 where the file does not tell.
     virtual SampleAspectRatio sampleAspectRatio() const = 0;
+    /// Likewise, whether its pictures are turned by a quarter before they are shown.
+    virtual bool liesOnItsSide() const = 0;
     /// libavcodec's name of an AVCodecID; lives as long as the process.
     virtual const char* codecName(std::int32_t codecId) = 0;
     /// See velmora::setLogSink.

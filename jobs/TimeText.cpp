@@ -48,6 +48,11 @@ QString timeText(float seconds) {
     return wholeSecondsText(truncated(seconds)) + QString::asprintf(".%03d", milliseconds % 1000);
 }
 
+QString millisecondsText(std::int64_t milliseconds) {
+    return wholeSecondsText(saturated(milliseconds / 1000)) +
+           QString::asprintf(".%03d", static_cast<int>(milliseconds % 1000));
+}
+
 QString positionText(float position, float length) {
     return timeText(position) + '/' + timeText(length);
 }

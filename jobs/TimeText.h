@@ -17,6 +17,9 @@ QString wholeSecondsText(std::int32_t seconds);
 /// digits; a negative time gives negative fields.
 QString timeText(float seconds);
 
+/// Likewise of a time that is not negative, in milliseconds.
+QString millisecondsText(std::int64_t milliseconds);
+
 /// Two of them, as "position/length".
 QString positionText(float position, float length);
 

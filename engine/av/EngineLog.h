@@ -2,6 +2,7 @@
 
 #include "LogSink.h"
 
+#include <optional>
 #include <string>
 
 namespace velmora {
@@ -56,6 +57,7 @@ void logFailure(const std::string& path, Operation operation, int code);
 void logRefusal(const std::string& path, Operation operation, const std::string& why);
 
 /// While one lives, lines written by this thread that the engine provokes on purpose are dropped.
+/// Within one that drops all, others change nothing.
 class ExpectedLogLines {
 public:
     enum class Kind {
@@ -67,6 +69,9 @@ public:
     ~ExpectedLogLines();
     ExpectedLogLines(const ExpectedLogLines&) = delete;
     ExpectedLogLines& operator=(const ExpectedLogLines&) = delete;
+
+private:
+    std::optional<Kind> before_;
 };
 
 } // namespace velmora

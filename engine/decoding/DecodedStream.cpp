@@ -158,7 +158,8 @@ PacketHandle DecodedStream::readPacket() {
 
 void DecodedStream::noteEnd(const AVPacket& packet) {
     if (packet.pts != AV_NOPTS_VALUE) {
-        const std::int64_t lasts = packet.duration > 0 ? packet.duration : ticksPerPicture(*stream_);
+        const std::int64_t lasts =
+            packet.duration > 0 ? packet.duration : ticksPerPicture(*stream_);
         packetsEnd_ = std::max(packetsEnd_, packet.pts + lasts);
     }
 }
@@ -181,7 +182,7 @@ FrameHandle DecodedStream::next() {
             damaged_ += isCorrupt || frame->decode_error_flags != 0 ? 1 : 0;
             return frame;
         }
-        if (decoder_.hasEnded() || isRaised(stop_)) {
+        if (decoder_.hasEnded() || isRaised(stop_) || isRaised(giveUp_)) {
             return nullptr;
         }
         decodeOne();

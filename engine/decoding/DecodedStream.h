@@ -46,6 +46,9 @@ public:
     void decodeFrom(PacketHandle first);
     /// The next frame in the order of showing, with its time as `pts`; null at the end.
     FrameHandle next();
+    /// From now on next() also ends, before it decodes a packet, while `giveUp` is raised; it goes
+    /// on from there once that is no longer so. Null: never.
+    void giveUpOn(const StopFlag* giveUp) { giveUp_ = giveUp; }
 
     /// Whether only the order of its pictures tells their times: it can then be decoded from its
     /// beginning alone.
@@ -68,6 +71,7 @@ private:
     std::string path_;
     const Kind kind_;
     const StopFlag* stop_;
+    const StopFlag* giveUp_ = nullptr;
     std::unique_ptr<InputMedia> input_;
     std::unique_ptr<TransportIndex> index_; ///< made when it is needed
     ClockUnroller clock_;

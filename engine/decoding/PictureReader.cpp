@@ -26,14 +26,14 @@ int PictureReader::open() {
     return pictures_.open();
 }
 
+void PictureReader::giveUpOn(const StopFlag* giveUp) {
+    giveUp_ = giveUp;
+    pictures_.giveUpOn(giveUp);
+}
+
 int PictureReader::goTo(std::int64_t us) {
-    forget();
-    skipped_.reset();
-    if (!goToKeyFrameBefore(us)) {
-        forget(); // a place that was no good
-        if (const int result = pictures_.rewind(); result < 0) {
-            return result;
-        }
+    if (const int result = goToKeyFrame(us); result < 0) {
+        return result;
     }
     FrameHandle picture = nextInTime();
     while (picture != nullptr && isBefore(*picture, us)) {
@@ -51,9 +51,37 @@ void PictureReader::forget() {
     lastTime_ = AV_NOPTS_VALUE;
 }
 
-/// Finds the last key frame that is not shown after `us`, and from which the pictures can really be
-/// decoded. False: only the beginning of the file will do.
-bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
+int PictureReader::goToKeyFrame(std::int64_t us) {
+    forget();
+    skipped_.reset();
+    const auto start = [this](PacketHandle key) {
+        return startAt(std::move(key)) || isRaised(giveUp_);
+    };
+    const bool isFound = atKeyFrameBefore(us, start);
+    if (isRaised(giveUp_)) {
+        return AVERROR_EXIT;
+    }
+    if (isFound) {
+        return 0;
+    }
+    forget(); // a place that was no good
+    const int result = pictures_.rewind();
+    return result < 0 ? result : 1;
+}
+
+PacketHandle PictureReader::keyFrameBefore(std::int64_t us) {
+    PacketHandle found;
+    atKeyFrameBefore(us, [&found](PacketHandle key) {
+        found = std::move(key);
+        return true;
+    });
+    forget();
+    return found;
+}
+
+/// Finds the last key frame that is not shown after `us`, and with which the action is content.
+/// False: only the beginning of the file will do.
+template <class Action> bool PictureReader::atKeyFrameBefore(std::int64_t us, Action&& action) {
     const AVRational timeBase = this->timeBase();
     const std::int64_t wanted = av_rescale_q_rnd(us, kMicrosecond, timeBase, AV_ROUND_DOWN);
     const std::int64_t begin =
@@ -71,7 +99,7 @@ bool PictureReader::goToKeyFrameBefore(std::int64_t us) {
         }
         PacketHandle key = nextKeyPacket(pictures_);
         const std::int64_t time = key != nullptr ? timeOf(*key) : AV_NOPTS_VALUE;
-        if (time != AV_NOPTS_VALUE && time <= wanted && startAt(std::move(key))) {
+        if (time != AV_NOPTS_VALUE && time <= wanted && action(std::move(key))) {
             return true;
         }
         target = std::min(target, time != AV_NOPTS_VALUE ? time : target) - back;

@@ -25,11 +25,20 @@ public:
 
     /// The next picture given is the first that is shown at `us` or later. 0 or a negative code.
     int goTo(std::int64_t us);
+    /// The next picture given is the one from which the one at `us` has to be decoded: that of the
+    /// last key frame before it, or the first one. 0, 1 for the first one, or a negative code.
+    int goToKeyFrame(std::int64_t us);
+    /// The packet of the last key frame that is not shown after `us`, for a decoder of the
+    /// caller's; null where that cannot be told. Pictures can then be read after a goTo only.
+    PacketHandle keyFrameBefore(std::int64_t us);
     /// The next picture; `pts` is its time, which is after that of the one before. Null at the end.
     FrameHandle next();
     /// The picture that is shown at `us`: the first one at that time or later, after the last one
     /// the last one. Null when none can be decoded.
     FrameHandle pictureAt(std::int64_t us);
+
+    /// From now on next() is null, too, and goToKeyFrame() fails, while `giveUp` is raised.
+    void giveUpOn(const StopFlag* giveUp);
 
     /// What the picture is to last, in ticks, by itself; at least 1.
     std::int64_t durationOf(const AVFrame& picture) const;
@@ -40,7 +49,7 @@ public:
     std::int64_t damagedPackets() const { return pictures_.damagedPackets(); }
 
 private:
-    bool goToKeyFrameBefore(std::int64_t us);
+    template <class Action> bool atKeyFrameBefore(std::int64_t us, Action&& action);
     bool startAt(PacketHandle key);
     void forget();
     FrameHandle nextInTime();
@@ -49,6 +58,7 @@ private:
     bool isBefore(const AVFrame& picture, std::int64_t us) const;
 
     DecodedStream pictures_;
+    const StopFlag* giveUp_ = nullptr;
     FrameHandle pending_;           ///< to be given next
     std::deque<FrameHandle> early_; ///< decoded to find out when the first of them is shown
     FrameHandle skipped_;           ///< the last one before the time that was asked for

@@ -1,6 +1,7 @@
 #include "Probe.h"
 
 #include "Decoder.h"
+#include "DisplayMatrix.h"
 #include "FrameRate.h"
 #include "InputMedia.h"
 #include "Saturated.h"
@@ -23,7 +24,8 @@ ProbeResults::Video videoOf(const InputMedia& input, const AVCodecContext& decod
             .height = decoder.height,
             .bitRate = saturated(decoder.bit_rate),
             .frameRate = correctedFrameRate(stream.r_frame_rate),
-            .aspect = sampleAspectRatioOf(input)};
+            .aspect = sampleAspectRatioOf(input),
+            .liesOnItsSide = displayTurnOf(stream).swapsSides};
 }
 
 /// Without a decoder, what the container says is all there is.

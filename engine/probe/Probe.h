@@ -27,12 +27,13 @@ struct ProbeResults {
         std::int32_t audioIndex = -1; ///< -1: none
     };
     struct Video {
-        std::int32_t codecId = 0; ///< an AVCodecID
-        std::int32_t width = 0;   ///< pixels
-        std::int32_t height = 0;  ///< pixels
-        std::int32_t bitRate = 0; ///< bit/s
-        AVRational frameRate{};   ///< pictures per second; the denominator may be 0
-        SampleAspectRatio aspect; ///< 1:1 where the file does not tell
+        std::int32_t codecId = 0;   ///< an AVCodecID
+        std::int32_t width = 0;     ///< pixels
+        std::int32_t height = 0;    ///< pixels
+        std::int32_t bitRate = 0;   ///< bit/s
+        AVRational frameRate{};     ///< pictures per second; the denominator may be 0
+        SampleAspectRatio aspect;   ///< 1:1 where the file does not tell
+        bool liesOnItsSide = false; ///< and is turned by a quarter before it is shown
     };
     struct Audio {
         std::int32_t codecId = 0; ///< an AVCodecID

@@ -93,6 +93,51 @@ void showTimeline(Round& round) {
     outlet<QAction>(round, "actionTimeline").trigger();
 }
 
+/// Some steps at once, as by a key that is held down.
+void goByPictures(Round& round) {
+    struct Move {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+    };
+    const std::array moves{Move{Qt::Key_Comma, {}},
+                           Move{Qt::Key_Period, {}},
+                           Move{Qt::Key_Left, Qt::AltModifier},
+                           Move{Qt::Key_Right, Qt::AltModifier},
+                           Move{Qt::Key_Left, Qt::ShiftModifier},
+                           Move{Qt::Key_Right, Qt::ShiftModifier},
+                           Move{Qt::Key_I, Qt::ShiftModifier},
+                           Move{Qt::Key_O, Qt::ShiftModifier}};
+    const Move move = round.random.oneOf(moves);
+    for (int i = round.random.below(6); i >= 0; --i) {
+        pressKey(move.key, move.modifiers);
+    }
+}
+
+void turnWheel(Round& round) {
+    auto& over = outlet<QWidget>(round, round.random.oneIn(2) ? "mCustomImage" : "mCustomSlider");
+    if (!over.isVisible()) {
+        return;
+    }
+    const QPointF place = over.rect().center();
+    QWheelEvent turn(place, over.mapToGlobal(place), {}, {0, 120 * (round.random.below(7) - 3)},
+                     Qt::NoButton, round.random.oneIn(3) ? Qt::ShiftModifier : Qt::NoModifier,
+                     Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&over, &turn);
+}
+
+void typePosition(Round& round) {
+    pressKey(Qt::Key_G, Qt::ControlModifier);
+    typeInto("positionField", round.random.oneIn(3) ? "abc" : "00:00:01.240");
+    pressKey(round.random.oneIn(4) ? Qt::Key_Escape : Qt::Key_Return);
+}
+
+void switchExactPreview(Round& round) {
+    auto& exact = outlet<QAction>(round, "actionExactPreview");
+    if (windowInUse() == &round.controller.mainWin()) {
+        exact.trigger();
+    }
+}
+
 void markStart(Round& /*round*/) {
     click("mButtonLeft");
 }
@@ -216,6 +261,10 @@ constexpr std::array kMain{
     Action{"uses the timeline", 4, useTimeline},
     Action{"zooms the timeline", 2, zoomTimeline},
     Action{"shows or hides the timeline", 1, showTimeline},
+    Action{"goes by pictures", 8, goByPictures},
+    Action{"turns the wheel", 4, turnWheel},
+    Action{"types a position", 1, typePosition},
+    Action{"switches the exact preview", 1, switchExactPreview},
     Action{"sets the start", 2, markStart},
     Action{"sets the end", 2, markEnd},
     Action{"types a time", 1, typeTime},

@@ -5,7 +5,11 @@
 namespace velmora {
 
 bool CutMarks::markStart(float seconds, float duration) {
-    mStartValMs = toMilliseconds(seconds);
+    return markStartMs(toMilliseconds(seconds), duration);
+}
+
+bool CutMarks::markStartMs(std::int64_t ms, float duration) {
+    mStartValMs = ms;
     const bool passed = mStartValMs >= mEndValMs;
     if (passed) {
         mEndValMs = toMilliseconds(duration);
@@ -14,7 +18,11 @@ bool CutMarks::markStart(float seconds, float duration) {
 }
 
 bool CutMarks::markEnd(float seconds) {
-    mEndValMs = toMilliseconds(seconds);
+    return markEndMs(toMilliseconds(seconds));
+}
+
+bool CutMarks::markEndMs(std::int64_t ms) {
+    mEndValMs = ms;
     const bool passed = mStartValMs >= mEndValMs;
     if (passed) {
         mStartValMs = 0;

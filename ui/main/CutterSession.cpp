@@ -13,6 +13,7 @@
 #include "PathParts.h"
 #include "PlatformLog.h"
 #include "ProbedFile.h"
+#include "Saturated.h"
 #include "SharedState.h"
 #include "SourceTrouble.h"
 #include "TimeText.h"
@@ -22,6 +23,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -131,12 +133,17 @@ void CutterSession::takeProbedVideo(const QString& path) {
     marks_ = {toMilliseconds(item->startTime), toMilliseconds(item->duration)};
     currentSetting->cutStartTime = static_cast<float>(marks_.mStartValMs);
     currentSetting->cutEndTime = static_cast<float>(marks_.mEndValMs);
+    exactEnd_ = {timeText(mDuration), engine.durationUs};
     cutterFileList->push_back(item);
     tellMarks(marks_.mStartValMs, marks_.mEndValMs);
 }
 
 void CutterSession::firstLoadVideo(const QString& path) {
     filename_ = path;
+    positionUs_.reset();
+    isExact_ = false;
+    exactStart_ = {};
+    exactEnd_ = {};
     requests_.startAfresh();
     platformLog(QString("get path:%1").arg(path));
     probeFile(path);
@@ -182,27 +189,60 @@ void CutterSession::viewValueReset() {
     position_.setText(positionText(0, 0));
 }
 
+/// By the bar in whole milliseconds, as the texts have it.
 void CutterSession::setPosition(double value) {
-    mLabelValue = static_cast<float>(value * mDuration / 100.0);
-    Q_EMIT events_.positionMoved(std::llround(value * static_cast<double>(mDuration) * 10'000.0));
+    constexpr double kRounding = 1e-6; // of the way from a time to a percentage and back
+    const double ms = std::floor(value * static_cast<double>(mDuration) * 10.0 + kRounding);
+    isExact_ = going_.has_value();
+    positionUs_ = going_.value_or(truncatedTo64Bits(ms) * 1000);
+    mLabelValue =
+        isExact_ ? toSeconds(positionMs()) : static_cast<float>(value * mDuration / 100.0);
+    Q_EMIT events_.positionMoved(*positionUs_);
+}
+
+/// Rounded up, where it is exact: a key frame is not after its own time then.
+std::int64_t CutterSession::positionMs() const {
+    return isExact_ ? (*positionUs_ + 999) / 1000 : toMilliseconds(mLabelValue);
+}
+
+QString CutterSession::positionTime() const {
+    return isExact_ ? millisecondsText(positionMs()) : timeText(mLabelValue);
 }
 
 void CutterSession::showPosition(double value) {
     setPosition(value);
     platformLog(QString::asprintf("get slider:%f", bar_.doubleValue()));
-    position_.setText(positionText(mLabelValue, mDuration));
+    position_.setText(positionTime() + '/' + timeText(mDuration));
 }
 
 void CutterSession::scrubTo(double value) {
     setPosition(value);
-    position_.setText(positionText(mLabelValue, mDuration));
+    position_.setText(positionTime() + '/' + timeText(mDuration));
     preview_.showAt(filename_, mLabelValue);
 }
 
 void CutterSession::goTo(std::int64_t us) {
     if (mDuration > 0) {
-        bar_.moveByUser(static_cast<double>(us) / (static_cast<double>(mDuration) * 10'000.0));
+        const auto lengthUs = static_cast<std::int64_t>(static_cast<double>(mDuration) * 1e6);
+        going_ = std::clamp<std::int64_t>(us, 0, lengthUs);
+        bar_.moveByUser(static_cast<double>(*going_) / (static_cast<double>(mDuration) * 10'000.0));
+        going_.reset();
     }
+}
+
+void CutterSession::goToMark(const QLineEdit& field, const ExactMark& mark) {
+    if (mark.us && field.text() == mark.text) {
+        goTo(*mark.us);
+    } else if (const auto ms = parsedMilliseconds(field.text())) {
+        goTo(std::int64_t{*ms} * 1000);
+    }
+}
+
+/// What an exact cut takes: the nearest millisecond, before which the picture never lies by more
+/// than half of one.
+std::int64_t CutterSession::exactMs(const QLineEdit& field, const ExactMark& mark) {
+    return mark.us && field.text() == mark.text ? (*mark.us + 500) / 1000
+                                                : parsedMilliseconds(field.text()).value_or(0);
 }
 
 void CutterSession::tellMarks(std::int64_t startMs, std::int64_t endMs) {
@@ -216,9 +256,10 @@ void CutterSession::markStart() {
         return;
     }
     closePanel();
-    const bool endMoved = marks_.markStart(mLabelValue, mDuration);
+    const bool endMoved = marks_.markStartMs(positionMs(), mDuration);
     setInfoParameter("cutStartTime", QString::number(marks_.mStartValMs));
-    showTime(start_, mLabelValue);
+    start_.setText(positionTime());
+    exactStart_ = {start_.text(), positionUs_};
     bar_.setAnchorLeft(bar_.getCurrenPosInt());
     bar_.setButIndex(1);
     bar_.update();
@@ -234,9 +275,10 @@ void CutterSession::markEnd() {
         return;
     }
     closePanel();
-    const bool startMoved = marks_.markEnd(mLabelValue);
+    const bool startMoved = marks_.markEndMs(positionMs());
     setInfoParameter("cutEndTime", QString::number(marks_.mEndValMs));
-    showTime(end_, mLabelValue);
+    end_.setText(positionTime());
+    exactEnd_ = {end_.text(), positionUs_};
     bar_.setAnchorRight(bar_.getCurrenPosInt());
     bar_.setButIndex(2);
     bar_.update();
@@ -321,8 +363,7 @@ void CutterSession::startCut() {
     mCutterWincontroller->setCutterOutputFilename(fileNameWithoutExtension(filename_),
                                                   pathExtension(filename_));
     mCutterWincontroller->setExactSource(filename_);
-    mCutterWincontroller->setExactWindow(parsedMilliseconds(start_.text()).value_or(0),
-                                         parsedMilliseconds(end_.text()).value_or(0));
+    mCutterWincontroller->setExactWindow(exactMs(start_, exactStart_), exactMs(end_, exactEnd_));
     QWidget& panel = mCutterWincontroller->window();
     panel.setWindowTitle("Cutter Setting");
     runModalForWindow(panel);

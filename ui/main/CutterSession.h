@@ -77,8 +77,15 @@ public:
     void showPosition(double value);
     /// Likewise, with the picture there.
     void scrubTo(double value);
-    /// Goes to this position, microseconds, as by the bar's being moved there.
+    /// Goes to this position, microseconds, as by the bar's being moved there; until the next move,
+    /// position, texts and marks are this time, rounded up to the millisecond, and not the one that
+    /// the bar's value leads to.
     void goTo(std::int64_t us);
+    /// Goes to a mark, as its field has it; nowhere if that is no time.
+    void goToStart() { goToMark(start_, exactStart_); }
+    void goToEnd() { goToMark(end_, exactEnd_); }
+    /// Where the bar is, microseconds: precisely, after goTo(), else in whole milliseconds.
+    std::int64_t positionUs() const { return positionUs_.value_or(0); }
     void markStart();
     void markEnd();
     void setTextFieldDuration();
@@ -106,7 +113,17 @@ private:
     std::int32_t probeVideo(const QString& path) const;
     void takeProbedVideo(const QString& path);
     void setDuration(float seconds);
+    /// A mark as it was set, which is exact for as long as its field has not been changed.
+    struct ExactMark {
+        QString text;
+        std::optional<std::int64_t> us;
+    };
+
     void setPosition(double value);
+    std::int64_t positionMs() const;
+    QString positionTime() const;
+    void goToMark(const QLineEdit& field, const ExactMark& mark);
+    static std::int64_t exactMs(const QLineEdit& field, const ExactMark& mark);
     void showTrouble();
     void showDirectCut();
     void tellMarks(std::int64_t startMs, std::int64_t endMs);
@@ -128,7 +145,13 @@ private:
     float mDuration = 0;
     CutMarks marks_;
     CutMarks told_;        ///< likewise, or as typed
-    float mLabelValue = 0; ///< where the bar is
+    float mLabelValue = 0; ///< where the bar is, or was in the video before
+    /// Where the bar is; floats are too coarse for long videos. None: it has not been moved yet.
+    std::optional<std::int64_t> positionUs_;
+    bool isExact_ = false;              ///< the position was given, and is not that of the bar
+    std::optional<std::int64_t> going_; ///< to there, while the bar is moved
+    ExactMark exactStart_;
+    ExactMark exactEnd_;
     [[maybe_unused]] float mStartTimeMs = 0;
     bool mAddFileInitialized = false;
 };

@@ -31,7 +31,8 @@ constexpr int kPanelOk = 1;
 MainController::MainController()
     : mainWin_(std::make_unique<MainWindow>()), ui_(mainWin_->outlets()), menu_(*mainWin_),
       cutter_(*mainWin_, requestsOfCutter()), timeline_(ui_, cutter_),
-      joiner_(*ui_.tableView, *mainWin_) {
+      joiner_(*ui_.tableView, *mainWin_), exactPreview_(*mainWin_, cutter_),
+      pictureMoves_(*mainWin_, cutter_, exactPreview_) {
     initWithWindow();
     awakeControls();
     connectActions();

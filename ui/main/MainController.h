@@ -1,9 +1,11 @@
 #pragma once
 
 #include "CutterSession.h"
+#include "ExactPreview.h"
 #include "HelpPage.h"
 #include "JoinerList.h"
 #include "MainMenu.h"
+#include "PictureMoves.h"
 #include "TimelineSession.h"
 
 #include <QObject>
@@ -134,6 +136,8 @@ private:
     CutterSession cutter_;
     TimelineSession timeline_;
     JoinerList joiner_;
+    ExactPreview exactPreview_;
+    PictureMoves pictureMoves_;
     QString version_; ///< shown nowhere
     bool terminating_ = false;
 };

@@ -75,9 +75,13 @@ void MainMenu::connectWindow() {
 void MainMenu::offerActions() {
     const bool cutter = ui_.curView->currentWidget() == ui_.viewCutter;
     for (QAction* const action :
-         {ui_.actionPlay, ui_.actionStartCut, ui_.actionSetStart, ui_.actionSetEnd,
-          ui_.actionStepBack, ui_.actionStepForward, ui_.actionLeapBack, ui_.actionLeapForward,
-          ui_.actionTimeline, ui_.actionZoomIn, ui_.actionZoomOut}) {
+         {ui_.actionPlay,        ui_.actionStartCut,         ui_.actionSetStart,
+          ui_.actionSetEnd,      ui_.actionStepBack,         ui_.actionStepForward,
+          ui_.actionLeapBack,    ui_.actionLeapForward,      ui_.actionPreviousPicture,
+          ui_.actionNextPicture, ui_.actionPreviousKeyFrame, ui_.actionNextKeyFrame,
+          ui_.actionSecondBack,  ui_.actionSecondForward,    ui_.actionGoToStart,
+          ui_.actionGoToEnd,     ui_.actionGoToPosition,     ui_.actionExactPreview,
+          ui_.actionTimeline,    ui_.actionZoomIn,           ui_.actionZoomOut}) {
         action->setEnabled(cutter);
     }
     for (QAction* const action : {ui_.actionMerge, ui_.actionRemove}) {

@@ -17,15 +17,20 @@ void PreviewStage::setDisplaySize(const QSize& size) {
     placeChild();
 }
 
+void PreviewStage::setTurned(bool turned) {
+    turned_ = turned;
+    placeChild();
+}
+
 void PreviewStage::placeChild() {
     QWidget* const view = child();
     if (!view) {
         return;
     }
     const QRect room = contentsRect();
-    const QSize wanted = displaySize_.isEmpty()
-                             ? room.size()
-                             : displaySize_.scaled(room.size(), Qt::KeepAspectRatio);
+    const QSize shown = turned_ ? displaySize_.transposed() : displaySize_;
+    const QSize wanted =
+        shown.isEmpty() ? room.size() : shown.scaled(room.size(), Qt::KeepAspectRatio);
     QRect place(QPoint(), wanted.expandedTo(QSize(1, 1)));
     place.moveCenter(room.center());
     view->setGeometry(place);

@@ -15,6 +15,8 @@ public:
 
     /// The size whose proportions the child takes; without a usable one it gets all of the room.
     void setDisplaySize(const QSize& size);
+    /// Whether what is shown is turned by a quarter.
+    void setTurned(bool turned);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -25,6 +27,7 @@ private:
     QWidget* child() const;
 
     QSize displaySize_;
+    bool turned_ = false;
 };
 
 } // namespace velmora
