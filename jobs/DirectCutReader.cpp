@@ -7,8 +7,8 @@ namespace {
 
 /// As a run gets it.
 double runSeconds(std::int64_t ms) {
-    constexpr float kMsPerSecond = 1000.0F;
-    return static_cast<double>(static_cast<float>(ms) / kMsPerSecond);
+    constexpr float kRunMsPerSecond = 1000.0F;
+    return static_cast<double>(static_cast<float>(ms) / kRunMsPerSecond);
 }
 
 } // namespace
