@@ -71,10 +71,10 @@ public:
     void moveTo(int picture) {
         bar_->moveByUser(picture / kRate / static_cast<double>(controller_.duration()) * 100);
     }
+    /// Files with times in whole milliseconds may have them rounded up.
     bool hasPainted(int picture) const {
         const auto ms = static_cast<int>(picture * 1000 / kRate);
-        return painted_ == QString::asprintf("The picture at %02d:%02d:%02d.%03d", ms / 3'600'000,
-                                             ms / 60'000 % 60, ms / 1000 % 60, ms % 1000);
+        return painted_ == descriptionOf(ms) || painted_ == descriptionOf(ms + 1);
     }
     /// Milliseconds until `picture` has been painted after `action`.
     double timeOf(const std::function<void()>& action, int picture) {
@@ -103,6 +103,11 @@ public:
     }
 
 private:
+    static QString descriptionOf(int ms) {
+        return QString::asprintf("The picture at %02d:%02d:%02d.%03d", ms / 3'600'000,
+                                 ms / 60'000 % 60, ms / 1000 % 60, ms % 1000);
+    }
+
     MainController controller_;
     ExactPictureView* view_ = nullptr;
     CustomSlider* bar_ = nullptr;
@@ -124,11 +129,11 @@ std::vector<int> keyPictures(const QString& file) {
     return numbers;
 }
 
-/// `count` of them, from one end to the other, to and fro.
+/// `count` of them, to and fro; first not the one that is on show from the beginning.
 std::vector<int> spread(const std::vector<int>& numbers, int count) {
     std::vector<int> chosen;
     for (int i = 0; i < count; ++i) {
-        chosen.push_back(numbers[static_cast<std::size_t>(i) * 37 % numbers.size()]);
+        chosen.push_back(numbers[(static_cast<std::size_t>(i) * 37 + 1) % numbers.size()]);
     }
     return chosen;
 }
