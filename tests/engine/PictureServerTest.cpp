@@ -242,6 +242,18 @@ TEST_F(PictureServer, fileThatVanishes_isShownOn) {
     EXPECT_EQ(stepped(-1), 24);
 }
 
+TEST_F(PictureServer, fileThatVanishesAndIsReadFromItsBeginning_doesNoHarm) {
+    const std::string path = folder_ / "gone.avi";
+    std::filesystem::copy_file(numberedMedia("plain.avi", "-c:v mpeg4 -q:v 2 -g 12"), path);
+    open(path);
+    EXPECT_EQ(shownAt(1960), 49);
+    std::filesystem::remove(path);
+    ask({.us = 40'000, .width = 200});
+    awaitExact();
+    ask({.us = 80'000, .width = 200});
+    awaitExact();
+}
+
 TEST_F(PictureServer, goesAwayAtAnyTime) {
     const std::string source = numberedMedia("plain.mp4", "-g 250 -bf 2");
     const std::size_t before = threads();
