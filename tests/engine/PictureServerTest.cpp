@@ -102,6 +102,13 @@ TEST_F(PictureServer, view_boundsThePictureAndNeverEnlargesIt) {
     EXPECT_EQ(last().height, 128);
 }
 
+TEST_F(PictureServer, view_ofAnySize_hasThePicture) {
+    open(numberedMedia("plain.mp4", "-g 12"));
+    for (int width = 256; width > 160; width -= 7) {
+        EXPECT_EQ(shown({.us = 840'000, .width = width, .height = width / 2}), 21) << width;
+    }
+}
+
 TEST_F(PictureServer, turnedVideo_isUpright) {
     const std::string halves = mediaMadeBy(
         "-f lavfi -i color=red:size=64x64:rate=25:duration=1 -f lavfi -i "
