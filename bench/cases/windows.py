@@ -1,6 +1,7 @@
 """What the user waits for in the windows."""
 
 import json
+import statistics
 import subprocess
 
 from group import PREVIEWS, Group
@@ -63,6 +64,23 @@ class Windows(Group):
                 f"timeline-{form} key frames {key_frames / 1000:.3f} s"
                 f" sound {sound / 1000:.3f} s, {size / 1024:.2f} MiB"
             )
+
+    def exact_pictures(self):
+        """Of the exact preview, until painted: steps, key frames, pictures in the middle of groups
+        that have not been decoded, and the times between new pictures while the bar is dragged."""
+        for source in (self._media.long, self._media.long_mkv, self._media.long_ts):
+            kind = source.suffix[1:]
+            self._report_times(f"step-{kind}", self._printed("steps", source, 500, 60))
+            self._report_times(f"key-frame-{kind}", self._printed("key-frames", source, 40))
+            self._report_times(f"cold-{kind}", self._printed("cold", source, 60, 10))
+            self._report_times(f"drag-{kind}", self._printed("drag", source))
+
+    @staticmethod
+    def _report_times(name, milliseconds):
+        ordered = sorted(milliseconds)
+        most = ordered[int(len(ordered) * 0.95)]
+        middle = statistics.median(ordered)
+        print(f"{name} median {middle:.1f} ms, 95 % {most:.1f} ms, most {ordered[-1]:.1f} ms")
 
     def loads_memory(self):
         """A hundred loads against ten."""

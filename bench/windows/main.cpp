@@ -6,10 +6,17 @@
 //   velmora-windows engine FILE           the same work by the engine alone: two probes, a picture
 //   velmora-windows scrub FILE LOADS N    after LOADS loads: N moves of the bar, each until painted
 //   velmora-windows memory FILE           KiB in use after 10 loads and after 100
-//   velmora-windows timeline FILE         milliseconds for its key frames, then for its sound, KiB
-//   of both velmora-windows add FILE...           adding the files to the joiner velmora-windows
-//   join OUT FILE...      joining files that the joiner has listed, by copying velmora-windows
-//   probe FILE...         probing them by the engine alone
+//   velmora-windows timeline FILE         milliseconds for its key frames, then its sound; KiB of both
+//   velmora-windows add FILE...           adding the files to the joiner
+//   velmora-windows join OUT FILE...      joining files that the joiner has listed, by copying
+//   velmora-windows probe FILE...         probing them by the engine alone
+//   velmora-windows steps FILE FIRST N    N steps from picture FIRST on and back; this and what
+//                                         follows: see Pictures.h
+//   velmora-windows key-frames FILE N
+//   velmora-windows cold FILE AFTER N
+//   velmora-windows drag FILE
+//   velmora-windows scrubbed FILE
+//   velmora-windows find-keys FILE        milliseconds until its key frames are known
 
 #include "ConversionEngine.h"
 #include "ConverterThread.h"
@@ -19,6 +26,7 @@
 #include "MediaOperations.h"
 #include "NotificationCenter.h"
 #include "OncePainted.h"
+#include "Pictures.h"
 #include "SharedState.h"
 #include "SoundPeaksReader.h"
 
@@ -204,6 +212,37 @@ int probeAll(const QStringList& files) {
     return 0;
 }
 
+int findKeys(const QString& file) {
+    const velmora::StopFlag stop{0};
+    QElapsedTimer timer;
+    timer.start();
+    velmora::mediaOperations().readKeyFrames(file.toStdString(), stop);
+    std::cout << millisecondsOf(timer) << '\n';
+    return 0;
+}
+
+/// -1: something else.
+int runPictures(const QString& what, const QStringList& rest) {
+    const QString file = rest.value(0);
+    const int first = rest.value(1).toInt();
+    if (what == "steps" && rest.size() == 3) {
+        return velmora::bench::steps(file, first, rest[2].toInt());
+    }
+    if (what == "key-frames" && rest.size() == 2) {
+        return velmora::bench::keyFrames(file, first);
+    }
+    if (what == "cold" && rest.size() == 3) {
+        return velmora::bench::coldPictures(file, first, rest[2].toInt());
+    }
+    if (what == "drag" && rest.size() == 1) {
+        return velmora::bench::drag(file);
+    }
+    if (what == "scrubbed" && rest.size() == 1) {
+        return velmora::bench::scrubbedMemory(file);
+    }
+    return what == "find-keys" && rest.size() == 1 ? findKeys(file) : -1;
+}
+
 int run(const QString& what, const QStringList& rest) {
     if (what == "start") {
         return showMainWindow();
@@ -232,6 +271,9 @@ int run(const QString& what, const QStringList& rest) {
     }
     if (what == "probe") {
         return probeAll(rest);
+    }
+    if (const int status = runPictures(what, rest); status >= 0) {
+        return status;
     }
     std::cerr << "velmora-windows: unusable arguments\n";
     return 2;

@@ -44,20 +44,22 @@ int DecodedStream::open() {
     return result;
 }
 
+/// If it cannot be opened again, what has been opened before stays.
 int DecodedStream::openInput() {
-    stream_ = nullptr;
-    input_ = std::make_unique<InputMedia>(path_, stop_);
-    int result = input_->open();
+    auto opened = std::make_unique<InputMedia>(path_, stop_);
+    int result = opened->open();
     if (result >= 0) {
-        result = input_->readStreamInfo();
+        result = opened->readStreamInfo();
     }
     if (result < 0) {
         return result;
     }
-    stream_ = kind_ == Kind::Pictures ? input_->videoStream() : input_->audioStream();
-    if (stream_ == nullptr) {
+    AVStream* const found = kind_ == Kind::Pictures ? opened->videoStream() : opened->audioStream();
+    if (found == nullptr) {
         return AVERROR_STREAM_NOT_FOUND;
     }
+    input_ = std::move(opened);
+    stream_ = found;
     unrolls_ = ClockUnroller::isNeeded(*input_->container());
     clock_ = {};
     for (AVStream* const other : streamsOf(*input_->container())) {

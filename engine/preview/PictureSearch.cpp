@@ -11,6 +11,15 @@ namespace {
 
 constexpr std::int64_t kHalfMsUs = 500;
 
+/// What is left of the budget beside the pictures of the decoder.
+std::size_t keptBytes(const AVCodecParameters& source) {
+    constexpr std::size_t kDecoderPictures = 12; // references, and what its threads work on
+    const std::size_t picture = static_cast<std::size_t>(std::max(source.width, 0)) *
+                                static_cast<std::size_t>(std::max(source.height, 0)) * 3 / 2;
+    constexpr std::size_t kBudget = PictureSearch::kBudget;
+    return kBudget - std::min(kBudget / 2, kDecoderPictures * picture);
+}
+
 } // namespace
 
 PictureSearch::PictureSearch(std::string path, const StopFlag& stop, const StopFlag& giveUp)
@@ -22,6 +31,7 @@ int PictureSearch::open() {
     const int result = reader_.open();
     if (result >= 0) {
         scaler_ = ViewScaler(displayTurnOf(reader_.stream()));
+        cache_ = PictureCache(keptBytes(*reader_.stream().codecpar));
     }
     return result;
 }
@@ -95,11 +105,12 @@ std::optional<PictureSearch::Found> PictureSearch::keyFrameAt(std::int64_t us) {
     return keyFrame(us, false);
 }
 
-/// One that is shown at `us` is the picture there.
+/// One that is shown at `us`, or within the millisecond that a position may have been cut by, is
+/// the picture there.
 std::optional<PictureSearch::Found> PictureSearch::keyFrame(std::int64_t us, bool orNearest) {
     const std::int64_t wanted = wantedTime(us);
     forgetPlace();
-    const PacketHandle key = reader_.keyFrameBefore(us + kHalfMsUs + reader_.input().startUs());
+    const PacketHandle key = reader_.keyFrameBefore(us + 2 * kHalfMsUs + reader_.input().startUs());
     const auto nearest = cache_.nearest(wanted);
     const bool isThere = key != nullptr && key->pts != AV_NOPTS_VALUE;
     if (orNearest && nearest &&

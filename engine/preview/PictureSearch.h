@@ -18,7 +18,8 @@ namespace velmora {
 /// result while `giveUp` is raised, and can be made again then. Belongs to one thread.
 class PictureSearch {
 public:
-    /// Decoded pictures take so much memory, bytes; one that is larger by itself is not kept.
+    /// Pictures take so much memory, bytes: those that are kept, and those that the decoder works
+    /// with. One that is larger by itself is not kept.
     static constexpr std::size_t kBudget = std::size_t{192} * 1024 * 1024;
 
     /// Everything ends once `stop` is raised. Both outlive this.

@@ -1,12 +1,13 @@
 #include "ViewPicture.h"
 
 extern "C" {
+#include <libavutil/imgutils.h>
 #include <libavutil/pixdesc.h>
 }
 
 #include <algorithm>
 #include <array>
-#include <span>
+#include <utility>
 
 namespace velmora {
 namespace {
@@ -34,6 +35,29 @@ template <class Byte> struct Planes {
 std::size_t planeBytes(int width, int height) {
     return static_cast<std::size_t>(width) * height +
            2 * static_cast<std::size_t>(chroma(width)) * chroma(height);
+}
+
+/// With room behind its rows: the scaler reads and writes past their ends.
+FrameHandle roomFor(AVPixelFormat format, int width, int height) {
+    FrameHandle frame(av_frame_alloc());
+    if (frame == nullptr) {
+        return nullptr;
+    }
+    frame->format = format;
+    frame->width = width;
+    frame->height = height;
+    return av_frame_get_buffer(frame.get(), 0) >= 0 ? std::move(frame) : nullptr;
+}
+
+/// The three planes of a picture of this size.
+void copyPlanes(const auto& from, const auto& fromStride, const auto& to, const auto& toStride,
+                const ViewPicture& size) {
+    for (std::size_t plane = 0; plane < 3; ++plane) {
+        const bool isLuma = plane == 0;
+        av_image_copy_plane(to[plane], toStride[plane], from[plane], fromStride[plane],
+                            isLuma ? size.width : chroma(size.width),
+                            isLuma ? size.height : chroma(size.height));
+    }
 }
 
 bool isRgb(const AVFrame& picture) {
@@ -121,10 +145,15 @@ ViewPicture ViewScaler::scale(const AVFrame& picture, int width, int height) {
         return {};
     }
     tellColours(*scaler_, result.matrix, result.fullRange || isRgb(picture), result.fullRange);
+    const FrameHandle scaled = roomFor(AV_PIX_FMT_YUV420P, result.width, result.height);
+    if (scaled == nullptr) {
+        return {};
+    }
+    sws_scale(scaler_.get(), picture.data, picture.linesize, 0, picture.height, scaled->data,
+              scaled->linesize);
     result.planes.resize(planeBytes(result.width, result.height));
     const Planes to(result.planes.data(), result.width, result.height);
-    sws_scale(scaler_.get(), picture.data, picture.linesize, 0, picture.height, to.begin.data(),
-              to.stride.data());
+    copyPlanes(scaled->data, scaled->linesize, to.begin, to.stride, result);
     return turned(std::move(result), turn_);
 }
 
@@ -136,15 +165,22 @@ void ViewScaler::paint(const ViewPicture& picture, PictureAnswer& answer) {
         return;
     }
     tellColours(*painter_, picture.matrix, picture.fullRange, true);
+    const FrameHandle from = roomFor(AV_PIX_FMT_YUV420P, picture.width, picture.height);
+    const FrameHandle to = roomFor(AV_PIX_FMT_RGB32, picture.width, picture.height);
+    if (from == nullptr || to == nullptr) {
+        return;
+    }
+    const Planes planes(picture.planes.data(), picture.width, picture.height);
+    copyPlanes(planes.begin, planes.stride, from->data, from->linesize, picture);
+    sws_scale(painter_.get(), from->data, from->linesize, 0, picture.height, to->data,
+              to->linesize);
     answer.width = picture.width;
     answer.height = picture.height;
     answer.pixels.resize(static_cast<std::size_t>(picture.width) * picture.height);
-    const Planes from(picture.planes.data(), picture.width, picture.height);
+    const int row = picture.width * static_cast<int>(sizeof(std::uint32_t));
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the library counts in bytes
     auto* const pixels = reinterpret_cast<std::uint8_t*>(answer.pixels.data());
-    const int stride = picture.width * static_cast<int>(sizeof(std::uint32_t));
-    sws_scale(painter_.get(), from.begin.data(), from.stride.data(), 0, picture.height, &pixels,
-              &stride);
+    av_image_copy_plane(pixels, row, to->data[0], to->linesize[0], row, picture.height);
 }
 
 } // namespace velmora

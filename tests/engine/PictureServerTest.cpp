@@ -102,6 +102,13 @@ TEST_F(PictureServer, view_boundsThePictureAndNeverEnlargesIt) {
     EXPECT_EQ(last().height, 128);
 }
 
+TEST_F(PictureServer, view_ofAnySize_hasThePicture) {
+    open(numberedMedia("plain.mp4", "-g 12"));
+    for (int width = 256; width > 160; width -= 7) {
+        EXPECT_EQ(shown({.us = 840'000, .width = width, .height = width / 2}), 21) << width;
+    }
+}
+
 TEST_F(PictureServer, turnedVideo_isUpright) {
     const std::string halves = mediaMadeBy(
         "-f lavfi -i color=red:size=64x64:rate=25:duration=1 -f lavfi -i "
@@ -240,6 +247,18 @@ TEST_F(PictureServer, fileThatVanishes_isShownOn) {
     std::filesystem::remove(path);
     EXPECT_EQ(shownAt(1000), 25);
     EXPECT_EQ(stepped(-1), 24);
+}
+
+TEST_F(PictureServer, fileThatVanishesAndIsReadFromItsBeginning_doesNoHarm) {
+    const std::string path = folder_ / "gone.avi";
+    std::filesystem::copy_file(numberedMedia("plain.avi", "-c:v mpeg4 -q:v 2 -g 12"), path);
+    open(path);
+    EXPECT_EQ(shownAt(1960), 49);
+    std::filesystem::remove(path);
+    ask({.us = 40'000, .width = 200});
+    awaitExact();
+    ask({.us = 80'000, .width = 200});
+    awaitExact();
 }
 
 TEST_F(PictureServer, goesAwayAtAnyTime) {
