@@ -33,6 +33,7 @@ const char* profileName(int profile) {
 /// pictures decoding may run ahead, and there the parts of one stream must agree.
 std::string parametersFor(int depth, bool isInterlaced, std::uint32_t id) {
     std::string parameters = "sps-id=" + std::to_string(id) + ":open-gop=0:scenecut=0";
+    parameters += ":b-adapt=0:rc-lookahead=0:sync-lookahead=0"; // which would hold pictures in vain
     parameters += depth > 1 ? ":b-pyramid=normal" : ":b-pyramid=none";
     return isInterlaced ? parameters + ":weightp=0" : parameters;
 }
