@@ -41,6 +41,20 @@ class Copying(Group):
         tenth = self._cut(source, end=START + (END - START) // 10)
         compare("cut-mp4/cut-of-a-tenth", self._count, self._cut(source), tenth, [output])
 
+    def exact_mp4(self):
+        self._exact(self._media.long)
+
+    def exact_mkv(self):
+        self._exact(self._media.long_mkv)
+
+    def _exact(self, source):
+        """With both ends between key frames, against a copy of the same stretch."""
+        output = self._output(source.suffix)
+        exact = [*self._cut(source, START + 0.3, END - 0.3), "--exact"]
+        reference = ["ffmpeg", "-v", "error", "-y", "-ss", START + 0.3, "-to", END - 0.3, "-i", source]
+        reference += ["-c", "copy", output]
+        compare(f"exact-{source.suffix[1:]}/ffmpeg", self._count, exact, reference, [output])
+
     def join_mp4(self):
         self._join_ffmpeg(self._media.copies(self._media.minute))
 

@@ -6,11 +6,11 @@
 //   velmora-windows engine FILE           the same work by the engine alone: two probes, a picture
 //   velmora-windows scrub FILE LOADS N    after LOADS loads: N moves of the bar, each until painted
 //   velmora-windows memory FILE           KiB in use after 10 loads and after 100
-//   velmora-windows timeline FILE         milliseconds for its key frames, then its sound; KiB of both
-//   velmora-windows add FILE...           adding the files to the joiner
-//   velmora-windows join OUT FILE...      joining files that the joiner has listed, by copying
-//   velmora-windows probe FILE...         probing them by the engine alone
-//   velmora-windows steps FILE FIRST N    N steps from picture FIRST on and back; this and what
+//   velmora-windows timeline FILE         milliseconds for its key frames, then its sound; KiB of
+//   both velmora-windows add FILE...           adding the files to the joiner velmora-windows join
+//   OUT FILE...      joining files that the joiner has listed, by copying velmora-windows probe
+//   FILE...         probing them by the engine alone velmora-windows steps FILE FIRST N    N steps
+//   from picture FIRST on and back; this and what
 //                                         follows: see Pictures.h
 //   velmora-windows key-frames FILE N
 //   velmora-windows cold FILE AFTER N

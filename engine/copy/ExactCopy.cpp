@@ -39,10 +39,9 @@ private:
     int plan();
     int begin();
     bool openSound();
-    int encodeHead();
     int openEncoder(std::optional<SeamEncoder>& encoder) const;
     Bytes record() const;
-    int writeSeam(std::vector<PacketHandle> packets, const std::vector<std::int64_t>& times);
+    int writeSeam(const std::vector<std::int64_t>& times, SeamEncoder& encoder);
     int writeCopied();
     int writeCopied(AVPacket& packet);
     int writeTail();
@@ -64,7 +63,6 @@ private:
     StagedFile staged_; ///< outlives the output, which writes there
     CopyOutput output_;
     CopyPlan plan_;
-    std::vector<PacketHandle> head_;
     std::optional<SeamEncoder> encoder_; ///< of either end; their parameter sets are the same
     std::string finding_;
 };
@@ -72,13 +70,10 @@ private:
 int CopyJob::execute(std::string& finding) {
     int result = plan();
     if (result >= 0) {
-        result = encodeHead();
-    }
-    if (result >= 0) {
         result = begin();
     }
-    if (result >= 0) {
-        result = writeSeam(std::move(head_), plan_.cut.head);
+    if (result >= 0 && !plan_.cut.head.empty()) {
+        result = writeSeam(plan_.cut.head, *encoder_);
     }
     if (result >= 0 && plan_.cut.copied) {
         result = writeCopied();
@@ -128,19 +123,6 @@ int CopyJob::openEncoder(std::optional<SeamEncoder>& encoder) const {
     return result;
 }
 
-/// Also where only the tail is encoded: its parameter sets have to be in the header.
-int CopyJob::encodeHead() {
-    if (plan_.cut.head.empty() && plan_.cut.tail.empty()) {
-        return 0;
-    }
-    int result = openEncoder(encoder_);
-    if (result >= 0 && !plan_.cut.head.empty()) {
-        result = seams_.encode(plan_.cut.head, *encoder_);
-        head_ = encoder_->releasePackets();
-    }
-    return result;
-}
-
 Bytes CopyJob::record() const {
     if (!source_.isH264()) {
         return {};
@@ -163,8 +145,14 @@ bool CopyJob::openSound() {
     return sound_.goTo(plan_.origin(), timeBase, endUs, *format_) >= 0 && sound_.peek() != nullptr;
 }
 
+/// The parameter sets of what is encoded have to be in the header, also those of a tail alone.
 int CopyJob::begin() {
-    const int result = staged_.prepare();
+    const bool hasSeams = !plan_.cut.head.empty() || !plan_.cut.tail.empty();
+    int result = hasSeams ? openEncoder(encoder_) : 0;
+    if (result < 0) {
+        return result;
+    }
+    result = staged_.prepare();
     if (result < 0) {
         logFailure(job_.outputPaths[0], Operation::BeginOutput, result);
         return result;
@@ -172,16 +160,10 @@ int CopyJob::begin() {
     return output_.begin(*format_, source_, plan_, record(), openSound() ? &sound_ : nullptr);
 }
 
-int CopyJob::writeSeam(std::vector<PacketHandle> packets, const std::vector<std::int64_t>& times) {
-    if (packets.size() != times.size()) {
-        return fail(kNotVerified);
-    }
-    int result = 0;
-    for (std::size_t i = 0; i < packets.size() && result >= 0 && !isStopped(); ++i) {
-        packets[i]->duration = 0; // was counted in pictures
-        result = write(*packets[i], times[i]);
-    }
-    return result;
+int CopyJob::writeSeam(const std::vector<std::int64_t>& times, SeamEncoder& encoder) {
+    return seams_.encode(times, encoder, [this](AVPacket& packet, std::int64_t time) {
+        return write(packet, time);
+    });
 }
 
 int CopyJob::write(AVPacket& packet, std::int64_t time) {
@@ -238,10 +220,7 @@ int CopyJob::writeTail() {
     if (result >= 0 && encoder->sets().record() != encoder_->sets().record()) {
         return fail(kNotVerified);
     }
-    if (result >= 0) {
-        result = seams_.encode(plan_.cut.tail, *encoder);
-    }
-    return result < 0 ? result : writeSeam(encoder->releasePackets(), plan_.cut.tail);
+    return result < 0 ? result : writeSeam(plan_.cut.tail, *encoder);
 }
 
 /// What was written, with the eyes of a reader.

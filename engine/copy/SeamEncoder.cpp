@@ -33,6 +33,7 @@ const char* profileName(int profile) {
 /// pictures decoding may run ahead, and there the parts of one stream must agree.
 std::string parametersFor(int depth, bool isInterlaced, std::uint32_t id) {
     std::string parameters = "sps-id=" + std::to_string(id) + ":open-gop=0:scenecut=0";
+    parameters += ":b-adapt=0:rc-lookahead=0:sync-lookahead=0"; // which would hold pictures in vain
     parameters += depth > 1 ? ":b-pyramid=normal" : ":b-pyramid=none";
     return isInterlaced ? parameters + ":weightp=0" : parameters;
 }
@@ -88,7 +89,7 @@ int SeamEncoder::openCodec(const AVStream& source, const H264Sets& sets, int dep
     }
     encoder_->thread_count = 0;
     OptionDictionary options;
-    options.set("preset", "veryfast");
+    options.set("preset", "superfast");
     options.set("crf", "18");
     options.set("profile", profileName(source.codecpar->profile));
     options.set("x264-params", parametersFor(depth, isInterlaced, id).c_str());
@@ -111,12 +112,14 @@ int SeamEncoder::receive() {
         if (result < 0) {
             return result == AVERROR(EAGAIN) || result == AVERROR_EOF ? 0 : result;
         }
-        const bool isNext = packet->pts == static_cast<std::int64_t>(packets_.size());
+        const bool isNext = packet->pts == received_;
         result = isNext ? convertH264(*packet, 0, H264Kept::AllButSetsAndSettings) : AVERROR_BUG;
         if (result < 0) {
             return result;
         }
+        packet->duration = 0; // was counted in pictures
         packets_.push_back(std::move(packet));
+        ++received_;
     }
 }
 
@@ -125,8 +128,7 @@ int SeamEncoder::finish() {
     if (result >= 0) {
         result = receive();
     }
-    const bool isComplete = static_cast<std::int64_t>(packets_.size()) == sent_;
-    return result >= 0 && !isComplete ? AVERROR_BUG : result;
+    return result >= 0 && received_ != sent_ ? AVERROR_BUG : result;
 }
 
 } // namespace velmora

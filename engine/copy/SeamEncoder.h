@@ -4,6 +4,7 @@
 #include "H264Sets.h"
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace velmora {
@@ -23,8 +24,8 @@ public:
     /// No picture follows. 0, AVERROR_BUG when not each picture has come out as a packet, or
     /// another negative code.
     int finish();
-    /// What has been encoded, in decoding order, which is that of showing; without times.
-    std::vector<PacketHandle> releasePackets() { return std::move(packets_); }
+    /// What has been encoded since, in decoding order, which is that of showing; without times.
+    std::vector<PacketHandle> releasePackets() { return std::exchange(packets_, {}); }
 
 private:
     int openCodec(const AVStream& source, const H264Sets& sets, int depth, std::uint32_t id);
@@ -33,6 +34,7 @@ private:
     CodecContextHandle encoder_;
     std::optional<H264Sets> sets_;
     std::int64_t sent_ = 0;
+    std::int64_t received_ = 0;
     std::vector<PacketHandle> packets_;
 };
 

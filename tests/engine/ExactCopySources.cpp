@@ -27,6 +27,8 @@ const std::map<std::string, std::string>& recipes() {
         {"silent.mp4", "@plain.mp4 -an"},
         {"gaps.mp4", "-vf setpts=(N/25+0.6*floor(N/10))/TB -vsync vfr -c:v libx264 -g 25 -bf 2 "
                      "-pix_fmt yuv420p -video_track_timescale 12800 -c:a aac"},
+        {"gaps0.mp4", "-vf setpts=(N/25+0.6*floor(N/10))/TB -vsync vfr -c:v libx264 -g 25 -bf 0 "
+                      "-pix_fmt yuv420p -video_track_timescale 12800 -c:a aac"},
         {"repeated.ts", kH264 + " -x264-params repeat-headers=1:aud=1"},
         {"intra.mov", "-c:v prores_ks -c:a pcm_s16le"},
         {"pcm.mov", "-c:v libx264 -g 50 -pix_fmt yuv420p -c:a pcm_s16le"},

@@ -166,6 +166,14 @@ TEST_F(ExactCopy, cut_soundThatStartsLate_keepsItsDistance) {
     EXPECT_NEAR(soundStart(output), soundStart(source) - 0.32, 0.001);
 }
 
+TEST_F(ExactCopy, cut_endInAGap_theLastPictureLastsUntilThere) {
+    const std::string output = folder_ / "out.mp4";
+
+    copy(copySource("gaps0.mp4"), 2000, 8700, output); // the last one is that at 8.36
+
+    EXPECT_NEAR(endOf(output, "v:0"), 6.7, 0.001);
+}
+
 TEST_F(ExactCopy, cut_pcm_isCutToTheSample) {
     const std::string output = folder_ / "out.mov";
 
