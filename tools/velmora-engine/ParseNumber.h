@@ -1,6 +1,8 @@
 #pragma once
 
 #include <charconv>
+#include <cmath>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -12,4 +14,9 @@ template <typename Number> std::optional<Number> parseNumber(std::string_view te
         return std::nullopt;
     }
     return value;
+}
+
+inline std::int64_t milliseconds(double seconds) {
+    constexpr double kMsPerSecond = 1000.0;
+    return std::llround(seconds * kMsPerSecond);
 }

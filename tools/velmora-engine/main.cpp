@@ -5,6 +5,7 @@
 #include "Job.h"
 #include "MediaOperations.h"
 #include "ParseNumber.h"
+#include "PlanQuestion.h"
 #include "ReencodeSettings.h"
 
 extern "C" {
@@ -15,7 +16,6 @@ extern "C" {
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <condition_variable>
 #include <csignal>
 #include <exception>
@@ -122,11 +122,6 @@ int snapshot(Arguments arguments) {
     return code == 0 ? kSuccess : kFailure;
 }
 
-std::int64_t milliseconds(double seconds) {
-    constexpr double kMsPerSecond = 1000.0;
-    return std::llround(seconds * kMsPerSecond);
-}
-
 int picture(Arguments arguments) {
     const auto seconds = arguments.size() == 3 ? parseNumber<double>(arguments[1]) : std::nullopt;
     if (!seconds) {
@@ -136,33 +131,6 @@ int picture(Arguments arguments) {
         velmora::mediaOperations().writePicture(arguments[0], milliseconds(*seconds), arguments[2]);
     print({{"code", code}});
     return code == 0 ? kSuccess : kFailure;
-}
-
-/// What an exact copy would do; into a file of the same kind, where none is named.
-int plan(Arguments arguments) {
-    const bool isComplete = arguments.size() == 3 || arguments.size() == 4;
-    const auto start = isComplete ? parseNumber<double>(arguments[1]) : std::nullopt;
-    const auto end = isComplete ? parseNumber<double>(arguments[2]) : std::nullopt;
-    if (!start || !end) {
-        return usage();
-    }
-    const velmora::Window window{milliseconds(*start), milliseconds(*end)};
-    const auto before = std::chrono::steady_clock::now();
-    const velmora::CopyForecast forecast = velmora::mediaOperations().forecastCopy(
-        arguments[0], window, arguments.size() == 4 ? arguments[3] : arguments[0],
-        ConversionEngine::instance().stopRequested);
-    const auto taken = std::chrono::steady_clock::now() - before;
-    json result{{"possible", forecast.refusal.empty()},
-                {"milliseconds", std::chrono::duration<double, std::milli>(taken).count()}};
-    if (forecast.refusal.empty()) {
-        result["encoded"] = forecast.encoded;
-        result["pictures"] = forecast.pictures;
-        result["estimated"] = forecast.isEstimate;
-    } else {
-        result["refusal"] = forecast.refusal;
-    }
-    print(result);
-    return forecast.refusal.empty() ? kSuccess : kFailure;
 }
 
 void requestStop(int /*signal*/) {
@@ -308,7 +276,8 @@ int command(Arguments arguments) {
         return picture(rest);
     }
     if (name == "plan") {
-        return plan(rest);
+        const auto asked = PlanQuestion::of(rest);
+        return asked ? asked->answer() : usage();
     }
     if (name == "cut") {
         return cut(rest);
