@@ -133,15 +133,15 @@ void CutterSession::takeProbedVideo(const QString& path) {
     marks_ = {toMilliseconds(item->startTime), toMilliseconds(item->duration)};
     currentSetting->cutStartTime = static_cast<float>(marks_.mStartValMs);
     currentSetting->cutEndTime = static_cast<float>(marks_.mEndValMs);
-    exactEnd_ = {timeText(mDuration), engine.durationUs};
+    lengthUs_ = engine.durationUs;
+    exactEnd_ = {timeText(mDuration), lengthUs_};
     cutterFileList->push_back(item);
     tellMarks(marks_.mStartValMs, marks_.mEndValMs);
 }
 
 void CutterSession::firstLoadVideo(const QString& path) {
     filename_ = path;
-    positionUs_.reset();
-    isExact_ = false;
+    at_.reset();
     exactStart_ = {};
     exactEnd_ = {};
     requests_.startAfresh();
@@ -171,162 +171,6 @@ void CutterSession::setDuration(float seconds) {
     mDuration = seconds;
     showTime(length_, mDuration);
     position_.setText(positionText(0, mDuration));
-}
-
-// The bar and the marks.
-
-void CutterSession::sliderClear() {
-    bar_.setAnchorLeft(-1);
-    bar_.setAnchorRight(-1);
-    bar_.setButIndex(0);
-}
-
-void CutterSession::viewValueReset() {
-    bar_.setDoubleValue(0);
-    for (QLineEdit* const field : {&start_, &end_, &length_}) {
-        showTime(*field, 0);
-    }
-    position_.setText(positionText(0, 0));
-}
-
-/// By the bar in whole milliseconds, as the texts have it.
-void CutterSession::setPosition(double value) {
-    constexpr double kRounding = 1e-6; // of the way from a time to a percentage and back
-    const double ms = std::floor(value * static_cast<double>(mDuration) * 10.0 + kRounding);
-    isExact_ = going_.has_value();
-    positionUs_ = going_.value_or(truncatedTo64Bits(ms) * 1000);
-    mLabelValue =
-        isExact_ ? toSeconds(positionMs()) : static_cast<float>(value * mDuration / 100.0);
-    Q_EMIT events_.positionMoved(*positionUs_);
-}
-
-/// Rounded up, where it is exact: a key frame is not after its own time then.
-std::int64_t CutterSession::positionMs() const {
-    return isExact_ ? (*positionUs_ + 999) / 1000 : toMilliseconds(mLabelValue);
-}
-
-QString CutterSession::positionTime() const {
-    return isExact_ ? millisecondsText(positionMs()) : timeText(mLabelValue);
-}
-
-void CutterSession::showPosition(double value) {
-    setPosition(value);
-    platformLog(QString::asprintf("get slider:%f", bar_.doubleValue()));
-    position_.setText(positionTime() + '/' + timeText(mDuration));
-}
-
-void CutterSession::scrubTo(double value) {
-    setPosition(value);
-    position_.setText(positionTime() + '/' + timeText(mDuration));
-    preview_.showAt(filename_, mLabelValue);
-}
-
-void CutterSession::goTo(std::int64_t us) {
-    if (mDuration > 0) {
-        const auto lengthUs = static_cast<std::int64_t>(static_cast<double>(mDuration) * 1e6);
-        going_ = std::clamp<std::int64_t>(us, 0, lengthUs);
-        bar_.moveByUser(static_cast<double>(*going_) / (static_cast<double>(mDuration) * 10'000.0));
-        going_.reset();
-    }
-}
-
-void CutterSession::goToMark(const QLineEdit& field, const ExactMark& mark) {
-    if (mark.us && field.text() == mark.text) {
-        goTo(*mark.us);
-    } else if (const auto ms = parsedMilliseconds(field.text())) {
-        goTo(std::int64_t{*ms} * 1000);
-    }
-}
-
-/// What an exact cut takes: the nearest millisecond, before which the picture never lies by more
-/// than half of one.
-std::int64_t CutterSession::exactMs(const QLineEdit& field, const ExactMark& mark) {
-    return mark.us && field.text() == mark.text ? (*mark.us + 500) / 1000
-                                                : parsedMilliseconds(field.text()).value_or(0);
-}
-
-void CutterSession::tellMarks(std::int64_t startMs, std::int64_t endMs) {
-    told_ = {startMs, endMs};
-    Q_EMIT events_.marksMoved(startMs, endMs);
-    direct_.ask(filename_, startMs, endMs);
-}
-
-void CutterSession::markStart() {
-    if (!mAddFileInitialized) {
-        return;
-    }
-    closePanel();
-    const bool endMoved = marks_.markStartMs(positionMs(), mDuration);
-    setInfoParameter("cutStartTime", QString::number(marks_.mStartValMs));
-    start_.setText(positionTime());
-    exactStart_ = {start_.text(), positionUs_};
-    bar_.setAnchorLeft(bar_.getCurrenPosInt());
-    bar_.setButIndex(1);
-    bar_.update();
-    if (endMoved) {
-        showTime(end_, mDuration);
-    }
-    setTextFieldDuration();
-    tellMarks(marks_.mStartValMs, marks_.mEndValMs);
-}
-
-void CutterSession::markEnd() {
-    if (!mAddFileInitialized) {
-        return;
-    }
-    closePanel();
-    const bool startMoved = marks_.markEndMs(positionMs());
-    setInfoParameter("cutEndTime", QString::number(marks_.mEndValMs));
-    end_.setText(positionTime());
-    exactEnd_ = {end_.text(), positionUs_};
-    bar_.setAnchorRight(bar_.getCurrenPosInt());
-    bar_.setButIndex(2);
-    bar_.update();
-    if (startMoved) {
-        showTime(start_, 0);
-    }
-    setTextFieldDuration();
-    tellMarks(marks_.mStartValMs, marks_.mEndValMs);
-}
-
-void CutterSession::setTextFieldDuration() {
-    showTime(length_, toSeconds(marks_.lengthMs()));
-}
-
-std::int64_t CutterSession::getTextFieldValueMs(std::int64_t which) const {
-    switch (which) {
-    case 1:
-        return marks_.mStartValMs;
-    case 2:
-        return marks_.mEndValMs;
-    default:
-        return -1;
-    }
-}
-
-void CutterSession::timesTyped() {
-    const std::int32_t start = cutterWinController::parseSpecificStringToMs(start_.text());
-    const std::int32_t end = cutterWinController::parseSpecificStringToMs(end_.text());
-    if (static_cast<float>(start) != currentSetting->cutStartTime ||
-        static_cast<float>(end) != currentSetting->cutEndTime) {
-        closePanel(); // it would cut by the times it was opened with
-    }
-    if (start >= 0 && end >= 0) {
-        showTime(length_, toSeconds(end - start));
-        tellMarks(start, end);
-    }
-}
-
-void CutterSession::setInfoParameter(const QString& key, const QString& value) {
-    if (key == "width") {
-        currentSetting->width = leadingInteger(value);
-    } else if (key == "height") {
-        currentSetting->height = leadingInteger(value);
-    } else if (key == "cutStartTime") {
-        currentSetting->cutStartTime = static_cast<float>(leadingDecimal(value));
-    } else if (key == "cutEndTime") {
-        currentSetting->cutEndTime = static_cast<float>(leadingDecimal(value));
-    }
 }
 
 // Actions.
@@ -363,7 +207,8 @@ void CutterSession::startCut() {
     mCutterWincontroller->setCutterOutputFilename(fileNameWithoutExtension(filename_),
                                                   pathExtension(filename_));
     mCutterWincontroller->setExactSource(filename_);
-    mCutterWincontroller->setExactWindow(exactMs(start_, exactStart_), exactMs(end_, exactEnd_));
+    mCutterWincontroller->setExactWindow(exactStart_.nearestMsIn(start_),
+                                         exactEnd_.nearestMsIn(end_));
     QWidget& panel = mCutterWincontroller->window();
     panel.setWindowTitle("Cutter Setting");
     runModalForWindow(panel);

@@ -2,6 +2,7 @@
 
 #include "CutEvents.h"
 #include "CutMarks.h"
+#include "CutPosition.h"
 #include "DirectCutReader.h"
 #include "PreviewPicture.h"
 #include "SourceFactsReader.h"
@@ -82,10 +83,10 @@ public:
     /// the bar's value leads to.
     void goTo(std::int64_t us);
     /// Goes to a mark, as its field has it; nowhere if that is no time.
-    void goToStart() { goToMark(start_, exactStart_); }
-    void goToEnd() { goToMark(end_, exactEnd_); }
+    void goToStart() { goToMark(exactStart_.usIn(start_)); }
+    void goToEnd() { goToMark(exactEnd_.usIn(end_)); }
     /// Where the bar is, microseconds: precisely, after goTo(), else in whole milliseconds.
-    std::int64_t positionUs() const { return positionUs_.value_or(0); }
+    std::int64_t positionUs() const { return at_.us(); }
     void markStart();
     void markEnd();
     void setTextFieldDuration();
@@ -105,7 +106,7 @@ public:
 
     const QString& filename() const { return filename_; }
     float duration() const { return mDuration; }
-    float labelValue() const { return mLabelValue; }
+    float labelValue() const { return at_.seconds(); }
     bool isLoaded() const { return mAddFileInitialized; }
 
 private:
@@ -113,17 +114,9 @@ private:
     std::int32_t probeVideo(const QString& path) const;
     void takeProbedVideo(const QString& path);
     void setDuration(float seconds);
-    /// A mark as it was set, which is exact for as long as its field has not been changed.
-    struct ExactMark {
-        QString text;
-        std::optional<std::int64_t> us;
-    };
-
     void setPosition(double value);
-    std::int64_t positionMs() const;
-    QString positionTime() const;
-    void goToMark(const QLineEdit& field, const ExactMark& mark);
-    static std::int64_t exactMs(const QLineEdit& field, const ExactMark& mark);
+    void showPositionText();
+    void goToMark(std::optional<std::int64_t> us);
     void showTrouble();
     void showDirectCut();
     void tellMarks(std::int64_t startMs, std::int64_t endMs);
@@ -143,13 +136,10 @@ private:
 
     QString filename_;
     float mDuration = 0;
+    std::int64_t lengthUs_ = 0; ///< of the item; the texts have fewer digits
     CutMarks marks_;
-    CutMarks told_;        ///< likewise, or as typed
-    float mLabelValue = 0; ///< where the bar is, or was in the video before
-    /// Where the bar is; floats are too coarse for long videos. None: it has not been moved yet.
-    std::optional<std::int64_t> positionUs_;
-    bool isExact_ = false;              ///< the position was given, and is not that of the bar
-    std::optional<std::int64_t> going_; ///< to there, while the bar is moved
+    CutMarks told_; ///< likewise, or as typed
+    CutPosition at_;
     ExactMark exactStart_;
     ExactMark exactEnd_;
     [[maybe_unused]] float mStartTimeMs = 0;
