@@ -14,7 +14,7 @@
 namespace velmora::test {
 namespace {
 
-constexpr std::int64_t kSecond = 1'000'000;
+constexpr std::int64_t kDrawnSecond = 1'000'000;
 
 /// The colours of a desktop.
 struct Theme {
@@ -53,9 +53,9 @@ class TimelineDrawingTest : public ::testing::Test {
 protected:
     TimelineDrawingTest() {
         strip_.resize(600, 40);
-        strip_.setVideo(600 * kSecond, 40'000);
+        strip_.setVideo(600 * kDrawnSecond, 40'000);
         strip_.setMarks(0, 0);
-        strip_.setPosition(599 * kSecond); // out of the way
+        strip_.setPosition(599 * kDrawnSecond); // out of the way
         use(themes().front());
     }
     void use(const Theme& theme) {
@@ -127,7 +127,7 @@ TEST_F(TimelineDrawingTest, ratio_isTheOneAskedFor) {
 }
 
 TEST_F(TimelineDrawingTest, keyFrames_areTicksAtTheUpperEdge) {
-    strip_.setKeyFrames({100 * kSecond, 200 * kSecond});
+    strip_.setKeyFrames({100 * kDrawnSecond, 200 * kDrawnSecond});
     look();
     for (const int x : {100, 200}) {
         EXPECT_EQ(at(x, 3), text_);
@@ -139,7 +139,7 @@ TEST_F(TimelineDrawingTest, keyFrames_areTicksAtTheUpperEdge) {
 }
 
 TEST_F(TimelineDrawingTest, pictures_areTicksAtTheLowerEdgeAtFullZoom) {
-    strip_.setPosition(300 * kSecond);
+    strip_.setPosition(300 * kDrawnSecond);
     while (strip_.model().canZoomIn()) {
         strip_.zoomIn();
     }
@@ -156,8 +156,8 @@ TEST_F(TimelineDrawingTest, pictures_areTicksAtTheLowerEdgeAtFullZoom) {
 TEST_F(TimelineDrawingTest, position_isALineInTwoTones) {
     for (const Theme& theme : themes()) {
         use(theme);
-        strip_.setMarks(0, 600 * kSecond);
-        strip_.setPosition(300 * kSecond);
+        strip_.setMarks(0, 600 * kDrawnSecond);
+        strip_.setPosition(300 * kDrawnSecond);
         look();
         EXPECT_EQ(at(300, 25), text_) << theme.name;
         EXPECT_EQ(at(299, 25), base_) << theme.name;
@@ -197,7 +197,7 @@ TEST_F(TimelineDrawingTest, soundThatComesLater_isShown) {
 TEST_F(TimelineDrawingTest, marked_isABandWithBracketsAndNumbers) {
     for (const Theme& theme : themes()) {
         use(theme);
-        strip_.setMarks(100 * kSecond, 300 * kSecond);
+        strip_.setMarks(100 * kDrawnSecond, 300 * kDrawnSecond);
         look();
         EXPECT_EQ(at(90, 20), base_) << theme.name;
         EXPECT_EQ(at(310, 20), base_) << theme.name;
@@ -217,8 +217,8 @@ TEST_F(TimelineDrawingTest, marked_isABandWithBracketsAndNumbers) {
 TEST_F(TimelineDrawingTest, whatDirectAdds_isLighterAndHatched) {
     for (const Theme& theme : themes()) {
         use(theme);
-        strip_.setMarks(200 * kSecond, 300 * kSecond);
-        strip_.setDirect(DirectStretch{150 * kSecond, 250 * kSecond});
+        strip_.setMarks(200 * kDrawnSecond, 300 * kDrawnSecond);
+        strip_.setDirect(DirectStretch{150 * kDrawnSecond, 250 * kDrawnSecond});
         look();
         const int hatched = coloursBetween(155, 195);
         EXPECT_GE(hatched, 2) << theme.name;
@@ -239,7 +239,7 @@ TEST_F(TimelineDrawingTest, colours_areLegibleInEveryTheme) {
         PeakTable peaks;
         peaks.put(0, std::vector<SoundPeak>(kPeaksPerBlock, SoundPeak{-127, 127}));
         strip_.setPeaks(&peaks);
-        strip_.setMarks(4 * kSecond, 20 * kSecond);
+        strip_.setMarks(4 * kDrawnSecond, 20 * kDrawnSecond);
         look();
         EXPECT_GE(contrast(at(2, 22), base_), 3) << theme.name;    // sound
         EXPECT_GE(contrast(at(8, 22), at(8, 6)), 2) << theme.name; // sound on what is marked
@@ -262,7 +262,7 @@ TEST_F(TimelineDrawingTest, focus_isSeen) {
 
 TEST_F(TimelineDrawingTest, withoutVideo_isEmpty) {
     strip_.setVideo(0, 40'000);
-    strip_.setKeyFrames({0, kSecond});
+    strip_.setKeyFrames({0, kDrawnSecond});
     look();
     for (int x = 2; x < 598; ++x) {
         ASSERT_EQ(inked(x, 2, 38), 0) << x;

@@ -12,7 +12,7 @@
 namespace velmora::test {
 namespace {
 
-constexpr std::int64_t kUsPerSecond = 1'000'000;
+constexpr std::int64_t kOneSecond = 1'000'000;
 
 /// A strip 600 wide, of ten minutes.
 class TimelineStripTest : public ::testing::Test {
@@ -20,7 +20,7 @@ protected:
     TimelineStripTest() {
         strip_.resize(600, 40);
         strip_.show();
-        strip_.setVideo(600 * kUsPerSecond, 40'000);
+        strip_.setVideo(600 * kOneSecond, 40'000);
         viewed_.clear();
     }
     void wheel(int delta, Qt::KeyboardModifiers modifiers) {
@@ -55,7 +55,7 @@ TEST_F(TimelineStripTest, height_isFixed) {
 TEST_F(TimelineStripTest, click_goesThere) {
     QTest::mouseClick(&strip_, Qt::LeftButton, {}, QPoint(150, 20));
     ASSERT_EQ(chosen_.size(), 1);
-    EXPECT_EQ(chosen_.at(0).at(0).toLongLong(), 150 * kUsPerSecond);
+    EXPECT_EQ(chosen_.at(0).at(0).toLongLong(), 150 * kOneSecond);
     QTest::mouseClick(&strip_, Qt::RightButton, {}, QPoint(250, 20));
     EXPECT_EQ(chosen_.size(), 1);
 }
@@ -63,26 +63,26 @@ TEST_F(TimelineStripTest, click_goesThere) {
 TEST_F(TimelineStripTest, dragOfAll_takesThePositionAlong) {
     drag(100, 160);
     ASSERT_FALSE(chosen_.isEmpty());
-    EXPECT_EQ(chosen_.last().at(0).toLongLong(), 160 * kUsPerSecond);
+    EXPECT_EQ(chosen_.last().at(0).toLongLong(), 160 * kOneSecond);
     EXPECT_FALSE(strip_.model().isZoomed());
 }
 
 TEST_F(TimelineStripTest, dragWhenZoomed_scrollsAndGoesNowhere) {
-    strip_.setPosition(300 * kUsPerSecond);
+    strip_.setPosition(300 * kOneSecond);
     strip_.zoomIn();
-    EXPECT_EQ(strip_.model().viewBeginUs(), 150 * kUsPerSecond);
+    EXPECT_EQ(strip_.model().viewBeginUs(), 150 * kOneSecond);
     drag(200, 100);
-    EXPECT_EQ(strip_.model().viewBeginUs(), 200 * kUsPerSecond);
+    EXPECT_EQ(strip_.model().viewBeginUs(), 200 * kOneSecond);
     EXPECT_TRUE(chosen_.isEmpty());
     QTest::mouseClick(&strip_, Qt::LeftButton, {}, QPoint(100, 20));
-    EXPECT_EQ(chosen_.last().at(0).toLongLong(), 250 * kUsPerSecond);
+    EXPECT_EQ(chosen_.last().at(0).toLongLong(), 250 * kOneSecond);
 }
 
 TEST_F(TimelineStripTest, ctrlWheel_zoomsAroundThePosition) {
-    strip_.setPosition(450 * kUsPerSecond);
+    strip_.setPosition(450 * kOneSecond);
     wheel(240, Qt::ControlModifier);
-    EXPECT_EQ(viewUs(), 300 * kUsPerSecond);
-    EXPECT_EQ(strip_.model().xOf(450 * kUsPerSecond), 450);
+    EXPECT_EQ(viewUs(), 300 * kOneSecond);
+    EXPECT_EQ(strip_.model().xOf(450 * kOneSecond), 450);
     EXPECT_EQ(viewed_.size(), 1);
     wheel(-240, Qt::ControlModifier);
     EXPECT_FALSE(strip_.model().isZoomed());
@@ -98,7 +98,7 @@ TEST_F(TimelineStripTest, wheelAlone_scrollsOnlyWhereThereIsMore) {
     wheel(-120, {});
     EXPECT_TRUE(accepted_);
     EXPECT_EQ(viewed_.size(), 1);
-    EXPECT_EQ(strip_.model().viewBeginUs(), 30 * kUsPerSecond);
+    EXPECT_EQ(strip_.model().viewBeginUs(), 30 * kOneSecond);
 }
 
 TEST_F(TimelineStripTest, keys_goByWhatIsVisible) {
@@ -106,22 +106,22 @@ TEST_F(TimelineStripTest, keys_goByWhatIsVisible) {
         Qt::Key key;
         std::int64_t seconds;
     };
-    strip_.setPosition(300 * kUsPerSecond);
+    strip_.setPosition(300 * kOneSecond);
     for (const Row row : {Row{Qt::Key_Left, 294}, Row{Qt::Key_Right, 306}, Row{Qt::Key_Down, 294},
                           Row{Qt::Key_Up, 306}, Row{Qt::Key_PageDown, 240},
                           Row{Qt::Key_PageUp, 360}, Row{Qt::Key_Home, 0}, Row{Qt::Key_End, 600}}) {
         chosen_.clear();
         QTest::keyClick(&strip_, row.key);
         ASSERT_EQ(chosen_.size(), 1) << row.key;
-        EXPECT_EQ(chosen_.at(0).at(0).toLongLong(), row.seconds * kUsPerSecond) << row.key;
+        EXPECT_EQ(chosen_.at(0).at(0).toLongLong(), row.seconds * kOneSecond) << row.key;
     }
     strip_.zoomIn();
     QTest::keyClick(&strip_, Qt::Key_Right);
-    EXPECT_EQ(chosen_.last().at(0).toLongLong(), 303 * kUsPerSecond);
+    EXPECT_EQ(chosen_.last().at(0).toLongLong(), 303 * kOneSecond);
 }
 
 TEST_F(TimelineStripTest, keysWithModifiers_areLeftToOthers) {
-    strip_.setPosition(300 * kUsPerSecond);
+    strip_.setPosition(300 * kOneSecond);
     for (const auto modifier : {Qt::ControlModifier, Qt::AltModifier, Qt::ShiftModifier}) {
         QTest::keyClick(&strip_, Qt::Key_Right, modifier);
     }
@@ -139,8 +139,8 @@ TEST_F(TimelineStripTest, withoutVideo_nothingCanBeChosen) {
 
 TEST_F(TimelineStripTest, assistiveTechnology_seesASliderInSeconds) {
     strip_.setAccessibleName("Timeline");
-    strip_.setPosition(90 * kUsPerSecond);
-    strip_.setMarks(60 * kUsPerSecond, 120 * kUsPerSecond);
+    strip_.setPosition(90 * kOneSecond);
+    strip_.setMarks(60 * kOneSecond, 120 * kOneSecond);
     QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&strip_);
     ASSERT_NE(seen, nullptr);
     EXPECT_EQ(seen->role(), QAccessible::Slider);
@@ -161,10 +161,10 @@ TEST_F(TimelineStripTest, assistiveTechnology_seesASliderInSeconds) {
 }
 
 TEST_F(TimelineStripTest, description_tellsWhatIsShown) {
-    strip_.setMarks(60 * kUsPerSecond, 120 * kUsPerSecond);
+    strip_.setMarks(60 * kOneSecond, 120 * kOneSecond);
     EXPECT_EQ(strip_.description(), "Marked from 00:01:00.000 to 00:02:00.000.");
-    strip_.setDirect(DirectStretch{58 * kUsPerSecond, 118 * kUsPerSecond});
-    strip_.setKeyFrames({0, 58 * kUsPerSecond});
+    strip_.setDirect(DirectStretch{58 * kOneSecond, 118 * kOneSecond});
+    strip_.setKeyFrames({0, 58 * kOneSecond});
     strip_.zoomIn();
     EXPECT_EQ(strip_.description(),
               "Marked from 00:01:00.000 to 00:02:00.000. Direct copy: This cut starts 2.0 s "
