@@ -27,7 +27,8 @@ SoundCut::Part SoundCut::partOf(const Held& packet) const {
         part.time += part.skipped;
         part.duration -= part.skipped;
     }
-    if ((rule_.splits || rule_.abilities.cutsEnd) && rule_.end - part.time < part.duration) {
+    const bool isCut = (rule_.splits || rule_.abilities.cutsEnd) && rule_.end != kToTheEnd;
+    if (isCut && rule_.end - part.time < part.duration) {
         part.left = part.duration - (rule_.end - part.time);
         part.duration -= part.left;
     }

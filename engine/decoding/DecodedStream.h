@@ -55,7 +55,8 @@ public:
     bool isTimedByOrder() const { return timedByOrder_; }
     /// Packets that could not be decoded so far, and frames that came out damaged.
     std::int64_t damagedPackets() const { return damaged_; }
-    /// Where the last of the packets that have been read ends, decoded or not.
+    /// Where the last of the packets that have been read ends, decoded or not; AV_NOPTS_VALUE when
+    /// they do not tell.
     std::int64_t packetsEnd() const { return packetsEnd_; }
     bool clockHasJumped() const { return clock_.hasJumped(); }
 
@@ -86,7 +87,7 @@ private:
     std::priority_queue<std::int64_t, std::vector<std::int64_t>, std::greater<>> times_;
     std::int64_t untimed_ = 0; ///< packets without any time
     std::int64_t damaged_ = 0;
-    std::int64_t packetsEnd_ = INT64_MIN;
+    std::int64_t packetsEnd_ = AV_NOPTS_VALUE;
 };
 
 } // namespace velmora

@@ -42,7 +42,8 @@ public:
 
     /// What the picture is to last, in ticks, by itself; at least 1.
     std::int64_t durationOf(const AVFrame& picture) const;
-    /// Where the last picture that has been read ends, ticks, also one that cannot be decoded.
+    /// Where the last picture that has been read ends, ticks, also one that cannot be decoded;
+    /// AV_NOPTS_VALUE when that is not told.
     std::int64_t packetsEnd() const { return pictures_.packetsEnd(); }
     bool clockHasJumped() const { return pictures_.clockHasJumped(); }
     /// Packets that could not be decoded so far.

@@ -65,7 +65,9 @@ FrameHandle ExactInput::nextOfWindow() {
     FrameHandle picture = first_ != nullptr ? std::move(first_) : pictures_.next();
     if (picture == nullptr) {
         sourceEnded_ = true;
-        picturesEnd_ = std::max(picturesEnd_, pictures_.packetsEnd() - origin_);
+        if (const std::int64_t end = pictures_.packetsEnd(); end != AV_NOPTS_VALUE) {
+            picturesEnd_ = std::max(picturesEnd_, end - origin_);
+        }
         return nullptr;
     }
     if (!isInWindow(*picture)) {
