@@ -104,7 +104,7 @@ TEST_F(ExactPreviewTest, load_showsTheFirstPicture) {
     EXPECT_EQ(view().accessibleDescription(), "The picture at 00:00:00.000");
 }
 
-TEST_F(ExactPreviewTest, beforeThereIsAPicture_specifiedPreviewIsSeen) {
+TEST_F(ExactPreviewTest, beforeThereIsAPicture_smallPreviewIsSeen) {
     const QImage before = preview().grab().toImage();
     view().hide();
     EXPECT_EQ(preview().grab().toImage(), before);
@@ -281,7 +281,7 @@ TEST_F(ExactPreviewTest, pictureBetweenMilliseconds_isMarkedRoundedUpAndCutExact
     EXPECT_EQ(numbersIn(cutExactly()), (std::vector{1, 2, 3, 4, 5, 6}));
 }
 
-TEST_F(ExactPreviewTest, switchedOff_leavesTheSpecifiedPreview) {
+TEST_F(ExactPreviewTest, switchedOff_leavesTheSmallPreview) {
     loadVideo();
     bar().moveByUser(58);
     expectAt(29);

@@ -6,7 +6,7 @@
 
 namespace velmora {
 
-/// Shows a picture over the specified preview, as large as that, or a sentence where there is none.
+/// Shows a picture over the small preview, as large as that, or a sentence where there is none.
 /// Until it has one of them nothing of it is seen. The mouse does not notice it. Main thread.
 class ExactPictureView : public QWidget {
     Q_OBJECT

@@ -167,7 +167,7 @@ void ExactPreview::take(const PictureAnswer& answer) {
     const bool hasMoved = std::exchange(isMoving_, false) && !answer.pixels.empty();
     shownUs_ = hasMoved ? answer.us : answer.request.us;
     if (hasMoved) {
-        view_.repaint(); // what follows the bar takes the specified picture first
+        view_.repaint(); // what follows the bar takes the small picture first
         session_.goTo(answer.us);
     }
 }

@@ -16,7 +16,7 @@ class CutterSession;
 class ExactPictureView;
 class MainWindow;
 
-/// The exact picture of the cutter's video, over the specified preview, and moves from picture to
+/// The exact picture of the cutter's video, over the small preview, and moves from picture to
 /// picture. Pictures come from a service of their own, later; the newest request is the one that
 /// counts. Main thread.
 class ExactPreview : public QObject {
