@@ -101,7 +101,9 @@ std::optional<Kind> kindOfUnwritable(int code) {
     }
 }
 
-FailureCause causeOfUnwritable(const Failure& failure, const Job& job) {
+/// Some outputs are written beside the place that they are for, under another name.
+FailureCause causeOfUnwritable(Failure failure, const Job& job) {
+    failure.path = job.outputPaths.front();
     const auto kind = kindOfUnwritable(failure.code);
     if (!kind) {
         return failure.operation == Operation::BeginOutput ? causeOfRefusedStreams(job)

@@ -30,6 +30,7 @@ public:
 
 private:
     void tellStates(InputState state);
+    int tryInputs() const;
     int openInput(std::size_t index);
     bool wantsSound();
     bool soundIsThere();
@@ -64,7 +65,7 @@ private:
 };
 
 RunReport ExactJob::execute() {
-    int result = 0;
+    int result = job_.joins ? tryInputs() : 0;
     for (std::size_t i = 0; i < job_.inputPaths.size() && result >= 0 && !isStopped(); ++i) {
         result = writeInput(i);
     }
@@ -81,6 +82,18 @@ RunReport ExactJob::execute() {
         report.finding = isRight ? damage() : report.finding;
     }
     return report;
+}
+
+/// One that cannot be used is found before the others have been encoded for nothing.
+int ExactJob::tryInputs() const {
+    for (const std::string& path : job_.inputPaths) {
+        const int result = PictureReader(path, &stop_).open();
+        if (result < 0) {
+            logFailure(path, Operation::OpenPictures, result);
+            return result;
+        }
+    }
+    return 0;
 }
 
 /// Without one of its inputs the output is not what was asked for: they end as one.

@@ -354,6 +354,15 @@ TEST_F(Exact, join_oneCannotBeOpened_failsAsAWhole) {
     EXPECT_EQ(result.index, 2);
 }
 
+TEST_F(Exact, join_laterInputHasNoPictures_writesNothing) {
+    const std::string output = folder_ / "out.mp4";
+
+    join({exactSource("plain.mp4"), mediaPath("audio-only.m4a")}, output);
+
+    EXPECT_FALSE(fs::exists(output));
+    EXPECT_EQ(report_.cause.kind, FailureCause::Kind::NoPictures);
+}
+
 TEST_F(Exact, join_twoHundredInputs_drift_not) {
     const std::string odd = mediaMadeBy(
         "-f lavfi -i testsrc2=size=128x64:rate=30000/1001:duration=0.2 -f lavfi -i "

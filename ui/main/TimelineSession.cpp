@@ -60,15 +60,16 @@ void TimelineSession::connectActions(const Ui::MainWindow& ui) {
     connect(ui.actionTimeline, &QAction::toggled, this, &TimelineSession::setShown);
     ui.actionZoomIn->setShortcuts({Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal});
     ui.actionZoomOut->setShortcut(Qt::CTRL | Qt::Key_Minus);
-    const auto zoom = [this](QAction* action, void (TimelineStrip::*how)()) {
-        connect(action, &QAction::triggered, this, [this, how] {
-            if (strip_.isVisible()) {
-                (strip_.*how)();
-            }
-        });
-    };
-    zoom(ui.actionZoomIn, &TimelineStrip::zoomIn);
-    zoom(ui.actionZoomOut, &TimelineStrip::zoomOut);
+    connect(ui.actionZoomIn, &QAction::triggered, this, [this] {
+        if (strip_.isVisible()) {
+            strip_.zoomIn();
+        }
+    });
+    connect(ui.actionZoomOut, &QAction::triggered, this, [this] {
+        if (strip_.isVisible()) {
+            strip_.zoomOut();
+        }
+    });
 }
 
 void TimelineSession::showVideo(const QString& path) {
